@@ -1,0 +1,4 @@
+// The whole public interface of the builtin library in one include.
+#pragma once
+
+#include <builtin/config.hpp>

@@ -1,0 +1,1 @@
+#include <builtin/builtin.hpp>

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the project builds against, and nothing when they are all there.
+# Safe to run on every build: the check is one dpkg query.
+set -euo pipefail
+
+packages=(
+  cmake g++ ninja-build pkg-config
+  libboost1.81-dev libboost-log1.81-dev libboost-json1.81-dev libboost-locale1.81-dev
+  libtbb-dev
+  libgtest-dev libgmock-dev
+  libbenchmark-dev
+  python3-numpy
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${db:Status-Status}' "$p" 2>/dev/null || true)
+  [ "$status" = "installed" ] || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "setup: installing ${missing[*]}" >&2
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$sudo apt-get update -qq
+$sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
