@@ -1,0 +1,50 @@
+#include <foundation/log/channel_masks.hpp>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using foundation::log::maskFromSpec;
+
+TEST(MaskSpec, BestMatchingEntryGivesTheMask) {
+    struct Case {
+        const char* spec;
+        const char* channel;
+        std::uint32_t expected;
+    };
+    const Case cases[] = {
+        {"", "a::b", 0},
+        {"builtin2::BuiltinFcn=0x3,builtinservice::registerpkgfcn=256", "builtinservice::registerpkgfcn", 256},
+        {"a::b=1", "a::bc", 0},
+        {"*=0xffffffff", "anything", 0xffffffffu},
+        {"a::*=4,*=7", "a::b", 4},  // a longer prefix wins whatever the order
+        {"*=7,a::*=4", "a::b", 4},
+        {"a::*=4,a::b=1", "a::b", 1},  // an exact name beats any prefix
+        {"a::b=1,a::*=4", "a::b", 1},
+        {"x=1,x=2", "x", 2},  // equal patterns: the last wins
+        {" x = 0X1f ; y=2 ,", "x", 0x1f},
+        {"X=1", "x", 0},  // case-sensitive
+        {"x=3,x", "x", 3},
+        {"x=3,x=", "x", 3},
+        {"x=3,x=-1", "x", 3},
+        {"x=3,x=0x100000000", "x", 3},
+        {"x=3,x=12abc", "x", 3},
+        {"a*b=1", "axb", 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.spec) + " / " + c.channel);
+        EXPECT_EQ(maskFromSpec(c.spec, c.channel), c.expected);
+    }
+}
+
+TEST(MaskSpec, DescribesEachMalformedEntry) {
+    std::vector<std::string> problems;
+    maskFromSpec("good=1, bad, x=zz, a*b=2, =3", "good", &problems);
+    ASSERT_EQ(problems.size(), 4u);
+    EXPECT_EQ(problems[0], "'bad': expected pattern=mask");
+    EXPECT_EQ(problems[1].rfind("'x=zz': ", 0), 0u);
+    EXPECT_EQ(problems[2].rfind("'a*b=2': ", 0), 0u);
+    EXPECT_EQ(problems[3].rfind("'=3': ", 0), 0u);
+}
+
+}  // namespace
