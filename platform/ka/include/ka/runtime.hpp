@@ -1,0 +1,27 @@
+// Process-wide services of the array library: the count of live arrays (tests assert that
+// nothing leaked), the holds the library keeps in the second count, and where warnings go.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+#include <ka/array.hpp>
+
+namespace ka {
+
+// Arrays created and not yet destroyed, in this process.
+std::size_t liveArrayCount();
+
+// A hold such as a workspace variable keeps on an array: raises the second count, so that
+// releasing the last counted reference leaves the array alive. unpin lowers it again and
+// destroys the array if no count is left.
+void pin(kaArray_tag* array);
+void unpin(kaArray_tag* array);
+
+// Installs the receiver of matrix::handleWarning and returns the previous one. An empty
+// function restores the default, which writes "Warning: " and the text to stderr.
+using WarningHandler = std::function<void(const std::u16string&)>;
+WarningHandler setWarningHandler(WarningHandler handler);
+
+}  // namespace ka

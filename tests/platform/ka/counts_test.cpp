@@ -1,0 +1,99 @@
+// The take and release rules, exclusivity and the library's holds, on real arrays so that a
+// wrong destruction shows in the live-array count.
+#include <gtest/gtest.h>
+
+#include <ka/ka.hpp>
+
+#include "live_arrays.hpp"
+
+namespace {
+
+using testsupport::LiveArrayTest;
+
+class CountsTest : public LiveArrayTest {};
+
+TEST_F(CountsTest, ReleasingNullDoesNothing) {
+    matrix::releaseReference(nullptr);
+    matrix::detail::kaDestroy_deleter{}(nullptr);
+    EXPECT_EQ(alive(), 0);
+}
+
+TEST_F(CountsTest, ReleaseFollowsBothCounts) {
+    struct Case {
+        std::uint32_t first;
+        std::int32_t second;
+        bool destroyed;
+        std::uint32_t firstAfter;
+    };
+    const Case cases[] = {
+        {1, 0, true, 0},   // the last reference
+        {0, 0, true, 0},   // below 2 is enough
+        {1, -1, true, 0},  // a second count that is not positive holds nothing
+        {1, 1, false, 0},  // held by the library: lives on with no counted reference
+        {2, 0, false, 1},
+        {5, 3, false, 4},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "counts (" << c.first << "," << c.second << ")");
+        kaArray* a = ka::scalar(1.0).release();
+        a->refCount = c.first;
+        a->pinCount = c.second;
+        matrix::releaseReference(a);
+        EXPECT_EQ(alive(), c.destroyed ? 0 : 1);
+        if (!c.destroyed) {
+            EXPECT_EQ(a->refCount, c.firstAfter);
+            EXPECT_EQ(a->pinCount, c.second);
+            matrix::destroyArray(a);
+        }
+    }
+}
+
+TEST_F(CountsTest, TakeAddsOneAndClearsOnlyTheTemporaryMark) {
+    ka::ArrayPtr a = ka::row({1.0, 2.0});
+    const std::uint32_t others = a->flags;
+    a->flags |= matrix::flags::temporary | matrix::flags::sparse;
+    matrix::takeReference(a.get());
+    EXPECT_EQ(a->refCount, 2u);
+    EXPECT_EQ(a->flags, others | matrix::flags::sparse);
+    a->flags = others;
+    matrix::releaseReference(a.get());
+    EXPECT_EQ(a->refCount, 1u);
+}
+
+TEST_F(CountsTest, ExclusiveWhenBothCountsAddToAtMostOne) {
+    struct Case {
+        std::uint32_t first;
+        std::int32_t second;
+        bool exclusive;
+    };
+    const Case cases[] = {{1, 0, true}, {0, 1, true}, {0, 0, true}, {1, 1, false}, {2, 0, false}};
+    ka::ArrayPtr a = ka::scalar(1.0);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "counts (" << c.first << "," << c.second << ")");
+        a->refCount = c.first;
+        a->pinCount = c.second;
+        EXPECT_EQ(matrix::isExclusive(a.get()), c.exclusive);
+    }
+    a->refCount = 1;
+    a->pinCount = 0;
+}
+
+TEST_F(CountsTest, PinnedArrayOutlivesItsReferencesUntilUnpinned) {
+    kaArray* a = ka::scalar(2.0).release();
+    ka::pin(a);
+    matrix::releaseReference(a);
+    EXPECT_EQ(alive(), 1);
+    EXPECT_EQ(a->refCount, 0u);
+    ka::unpin(a);
+    EXPECT_EQ(alive(), 0);
+}
+
+TEST_F(CountsTest, UnpinKeepsAnArrayThatStillHasReferences) {
+    ka::ArrayPtr a = ka::scalar(2.0);
+    ka::pin(a.get());
+    ka::unpin(a.get());
+    EXPECT_EQ(alive(), 1);
+    EXPECT_THROW(ka::unpin(a.get()), std::logic_error);
+}
+
+}  // namespace

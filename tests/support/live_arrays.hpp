@@ -1,0 +1,47 @@
+// Checks that a test leaves no array alive. Use LiveArrayTest as the fixture of a test that
+// creates arrays, or a LiveArrayGuard for one scope; both compare the library's live-array
+// count with what it was at the start and report a leak (or a double release) as a failure.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+
+#include <ka/runtime.hpp>
+
+namespace testsupport {
+
+class LiveArrayGuard {
+public:
+    LiveArrayGuard() = default;
+    LiveArrayGuard(const LiveArrayGuard&) = delete;
+    LiveArrayGuard& operator=(const LiveArrayGuard&) = delete;
+    ~LiveArrayGuard() {
+        EXPECT_EQ(ka::liveArrayCount(), start_) << "arrays created in this scope are still alive";
+    }
+
+    // Arrays created since the start and not destroyed (negative: destroyed too many).
+    long long alive() const {
+        return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_);
+    }
+
+private:
+    std::size_t start_ = ka::liveArrayCount();
+};
+
+class LiveArrayTest : public ::testing::Test {
+protected:
+    void SetUp() override { start_ = ka::liveArrayCount(); }
+    void TearDown() override {
+        EXPECT_EQ(ka::liveArrayCount(), start_) << "the test left arrays alive";
+    }
+
+    long long alive() const {
+        return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_);
+    }
+
+private:
+    std::size_t start_ = 0;
+};
+
+}  // namespace testsupport
