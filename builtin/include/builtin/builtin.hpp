@@ -2,3 +2,4 @@
 #pragma once
 
 #include <builtin/config.hpp>
+#include <builtin/services/services.hpp>

@@ -1,0 +1,114 @@
+#include <cppmicroservices/AnyMap.h>
+#include <cppmicroservices/LDAPFilter.h>
+#include <cppmicroservices/LDAPProp.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using cppmicroservices::Any;
+using cppmicroservices::AnyMap;
+using cppmicroservices::LDAPFilter;
+using cppmicroservices::LDAPProp;
+
+namespace {
+
+const AnyMap& properties() {
+    static const AnyMap map{
+        {"name", std::string("builtin2/builtin")},
+        {"Count", 3},
+        {"big", 5000000000LL},
+        {"ratio", 0.5},
+        {"enabled", true},
+        {"tags", std::vector<Any>{std::string("red"), std::string("blue")}},
+        {"objectclass", std::vector<std::string>{"A::I", "B::J"}},
+        {"odd", std::string("a(b)*c\\")},
+        {"nested", AnyMap{{"x", 1}}},
+    };
+    return map;
+}
+
+TEST(LDAPFilter, Matches) {
+    const std::vector<std::pair<std::string, bool>> cases = {
+        {"(name=builtin2/builtin)", true},
+        {"(name=builtin2/Builtin)", false},  // values keep their case
+        {"(NAME=builtin2/builtin)", true},   // names do not
+        {"(count=3)", true},
+        {"(count= 3 )", true},
+        {"(count=4)", false},
+        {"(count=3x)", false},
+        {"(big=5000000000)", true},
+        {"(ratio=0.5)", true},
+        {"(enabled=TRUE)", true},
+        {"(enabled=false)", false},
+        {"(tags=blue)", true},
+        {"(tags=green)", false},
+        {"(objectclass=B::J)", true},
+        {"(name=*)", true},
+        {"(missing=*)", false},
+        {"(name=builtin2*)", true},
+        {"(name=*/*in)", true},
+        {"(name=*x*)", false},
+        {"(odd=a\\28b\\29\\2ac\\5c)", true},
+        {"(odd=a\\(b\\)\\*c\\\\)", true},
+        {"(nested=*)", true},
+        {"(nested=x)", false},
+        {"(&(name=builtin2/builtin)(count=3))", true},
+        {"(&(name=builtin2/builtin)(count=4))", false},
+        {"(|(count=4)(tags=red))", true},
+        {"(!(count=4))", true},
+        {"(&(|(count=4)(!(missing=*)))(!(&(enabled=true)(ratio=1))))", true},
+        {"(|(&(count=3)(!(enabled=true)))(!(|(name=*)(count=3))))", false},
+        {" ( & (count=3) (enabled=true) ) ", true},
+    };
+    for (const auto& [text, expected] : cases) {
+        SCOPED_TRACE(text);
+        const LDAPFilter filter(text);
+        EXPECT_EQ(filter.Match(properties()), expected);
+        EXPECT_EQ(filter.ToString(), text);
+    }
+}
+
+TEST(LDAPFilter, RefusesBadText) {
+    const std::vector<std::string> cases = {
+        "", "name=x", "(name=x", "(name=x))", "(name=x)(count=3)", "()", "(&)", "(!)", "(=x)",
+        "(na me=x)", "(name=a(b)", "(name=\\zz)", "(count>=3)", "(count<=3)", "(name~=x)", "(&(a=1)b)",
+    };
+    for (const auto& text : cases) {
+        SCOPED_TRACE(text);
+        EXPECT_THROW(LDAPFilter{text}, std::invalid_argument);
+    }
+    try {
+        LDAPFilter("(count>=3)");
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(), "Bad LDAP filter \"(count>=3)\": operator '>=' is not supported at position 6");
+    }
+}
+
+TEST(LDAPFilter, DefaultMatchesEverything) {
+    EXPECT_TRUE(LDAPFilter().Match(AnyMap{}));
+    EXPECT_TRUE(LDAPFilter().Match(properties()));
+    EXPECT_EQ(LDAPFilter().ToString(), "");
+}
+
+TEST(LDAPProp, BuildsEscapedFilters) {
+    const LDAPProp name("odd");
+    const std::vector<std::pair<LDAPFilter, std::string>> cases = {
+        {name == "a(b)*c\\", "(odd=a\\28b\\29\\2ac\\5c)"},
+        {LDAPProp("count") == 3, "(count=3)"},
+        {LDAPProp("enabled") == true, "(enabled=true)"},
+        {LDAPProp("count") != 4, "(!(count=4))"},
+        {LDAPProp("count") == 3 && !LDAPProp("missing"), "(&(count=3)(!(missing=*)))"},
+        {LDAPProp("count") == 4 || LDAPProp("tags") == "red", "(|(count=4)(tags=red))"},
+    };
+    for (const auto& [filter, text] : cases) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(filter.ToString(), text);
+        EXPECT_TRUE(filter.Match(properties()));
+    }
+    EXPECT_FALSE(LDAPFilter(name == "a(b)*c").Match(properties()));
+}
+
+}  // namespace

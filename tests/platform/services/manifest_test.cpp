@@ -1,0 +1,44 @@
+#include <foundation/cppmicroservices/manifest.hpp>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <stdexcept>
+
+using cppmicroservices::Any;
+using cppmicroservices::AnyMap;
+using cppmicroservices::any_cast;
+using cppmicroservices::ref_any_cast;
+using foundation::cppmicroservices::parseManifest;
+using foundation::cppmicroservices::readManifest;
+
+namespace {
+
+TEST(Manifest, JsonValuesBecomeAnyValues) {
+    const AnyMap manifest = parseManifest(R"({
+        "name": "string", "small": -7, "large": 5000000000, "huge": 18446744073709551615,
+        "real": 1.5, "flag": true, "none": null, "list": [1, "a"],
+        "orro_objects": {"_ZN1A1BE": {"kaClassName": "A.B", "variantId": 0}}
+    })");
+    EXPECT_EQ(any_cast<std::string>(manifest.at("name")), "string");
+    EXPECT_EQ(any_cast<int>(manifest.at("small")), -7);
+    EXPECT_EQ(any_cast<long long>(manifest.at("large")), 5000000000LL);
+    EXPECT_EQ(manifest.at("huge").Type(), typeid(double));
+    EXPECT_EQ(any_cast<double>(manifest.at("real")), 1.5);
+    EXPECT_TRUE(any_cast<bool>(manifest.at("flag")));
+    EXPECT_TRUE(manifest.at("none").Empty());
+    EXPECT_EQ(manifest.at("list").ToString(), "[1, a]");
+    const auto& entry = ref_any_cast<AnyMap>(ref_any_cast<AnyMap>(manifest.at("orro_objects")).at("_ZN1A1BE"));
+    EXPECT_EQ(ref_any_cast<std::string>(entry.at("kaClassName")), "A.B");
+    EXPECT_EQ(any_cast<int>(entry.at("variantId")), 0);
+}
+
+TEST(Manifest, RefusesWhatIsNotAJsonObject) {
+    for (const char* text : {"", "{", "[1, 2]", "\"text\"", "{\"a\": }", "{} {}"}) {
+        SCOPED_TRACE(text);
+        EXPECT_THROW(parseManifest(text), std::invalid_argument);
+    }
+    EXPECT_THROW(readManifest("/nonexistent/manifest.json"), std::runtime_error);
+}
+
+}  // namespace

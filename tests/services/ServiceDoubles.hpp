@@ -1,0 +1,96 @@
+// In-process doubles of the services the library looks up, for tests that register them with
+// a framework themselves. They answer with neutral values; the tests look at their identity.
+#pragma once
+
+#include <builtin/services/services.hpp>
+
+#include <cppmicroservices/BundleContext.h>
+#include <foundation/cppmicroservices/framework.hpp>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace servicedoubles {
+
+using namespace Norvane::builtin;
+
+class StubStringSupport final : public StringSupport {
+public:
+    bool isString(const kaArray_tag*) const override { return false; }
+    kaClassID getStringClassId() const override { return static_cast<kaClassID>(77); }
+    std::size_t getNumberOfStrings(const kaArray_tag*) const override { return 0; }
+    std::string getStringUtf8(const kaArray_tag*, std::size_t) const override { return {}; }
+    const std::u16string& getString(const kaArray_tag*, std::size_t) const override { return text_; }
+    OwnedArray createEmptyStrings(std::span<const std::size_t>) const override { return nullptr; }
+    OwnedArray createString(std::span<const std::size_t>, std::vector<std::u16string>) const override { return nullptr; }
+    std::optional<std::u16string_view> getStringFlag(const kaArray_tag*) const override { return std::nullopt; }
+    std::vector<std::u16string> getStrings(const kaArray_tag*) const override { return {}; }
+    OwnedArray stringToKaArray(Norvane::String::String*, unsigned) const override { return nullptr; }
+
+private:
+    std::u16string text_;
+};
+
+class StubClassProvider final : public IZOBJRegWrapper {
+public:
+    std::string getClassName(kaClassID) const override { return {}; }
+    void registerPackageFunction(const std::vector<std::string>&, const std::string&, Zfh_KELDOR_fn*) override {}
+    kaClassID getClassIdByName(const std::string&) const override { return kaUNKNOWN_CLASS; }
+    Norvane::orro::OrroObject& fromKaArray(const kaArray_tag*, bool) const override {
+        throw std::logic_error("the stub class provider holds no objects");
+    }
+    OwnedArray toKaArray(Norvane::orro::OrroObject*, unsigned) const override { return nullptr; }
+    OwnedArray toKaArray(boost::intrusive_ptr<const Norvane::orro::OrroObject>&&, const char*) const override {
+        return nullptr;
+    }
+    kaClassID getClassId(const kaArray_tag*) const override { return kaUNKNOWN_CLASS; }
+    std::size_t getVariantId(const kaArray_tag*) const override { return 0; }
+    const ts::iTypeExpression* getOrroObjectType(kaClassID, std::size_t) const override { return nullptr; }
+    bool getObjectTypeFlag(const kaArray_tag*) const override { return false; }
+    void setZfhFinder(std::string, ZfhFinder) override {}
+    void addMethod(zobj::ZobjClass*, const std::string&, const std::string&, const zobj::MemberAccess&, bool, bool,
+                   bool) override {}
+};
+
+class StubObjectRegister final : public IOrroObjectRegister {
+public:
+    bool isOrroObjectRegistered(kaClassID, std::size_t) const override { return false; }
+    void registerOrroObject(kaClassID, std::size_t, bool) override {}
+    void registerOrroObject(kaClassID, std::size_t) override {}
+    void registerOrroObjectDefaultIndexingMethods(kaClassID, std::size_t, bool,
+                                                  const Norvane::orro::OrroObjectDefaultIndexingMethods&) override {}
+    void registerParenReferenceVariant(kaClassID, std::size_t, const OrroFunctionDescriptor&,
+                                       const OrroFunctionDescriptor&, std::string, NameRange) override {}
+    void registerParenAssignVariant(kaClassID, std::size_t, const OrroFunctionDescriptor&,
+                                    const OrroFunctionDescriptor&, std::string, NameRange, bool) override {}
+};
+
+// A module manager that answers with the name it is published under.
+class NamedModule final : public builtinreg::IOrroObjectModuleMgr {
+public:
+    explicit NamedModule(std::string name) : name_(std::move(name)) {}
+    std::string getModuleName() const override { return name_; }
+    void registerOrroObjects() override {}
+
+private:
+    std::string name_;
+};
+
+inline cppmicroservices::BundleContext processContext() {
+    return foundation::cppmicroservices::getFramework()->GetBundleContext();
+}
+
+// Registers `service` under I with the process framework and returns it.
+template <class I, class Impl>
+std::shared_ptr<Impl> registerDouble(std::shared_ptr<Impl> service, const cppmicroservices::ServiceProperties& properties = {}) {
+    processContext().RegisterService<I>(service, properties);
+    return service;
+}
+
+inline void registerModule(const std::string& name) {
+    registerDouble<builtinreg::IOrroObjectModuleMgr>(std::make_shared<NamedModule>(name),
+                                                     {{"cppMangledTypeName", name}});
+}
+
+}  // namespace servicedoubles

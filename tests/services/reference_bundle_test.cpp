@@ -1,0 +1,96 @@
+// A process whose builtin service bundles are those of the build tree: the reference string
+// bundle is started from bin/linux64/builtinservices under the installation root.
+#include <builtin/services/services.hpp>
+
+#include <cppmicroservices/BundleContext.h>
+#include <foundation/cppmicroservices/framework.hpp>
+#include <ka/ka.hpp>
+#include <stringbundle/KeldorString.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
+#include "live_arrays.hpp"
+
+using namespace Norvane::builtin;
+
+namespace {
+
+class ReferenceBundle : public testsupport::LiveArrayTest {
+protected:
+    static void SetUpTestSuite() {
+        unsetenv("KELDOR_INSTALL_ROOT");
+        foundation::cppmicroservices::createFramework();
+    }
+
+    const StringSupport& strings() {
+        const auto& service = getHeldService<StringSupport>();
+        if (!service) throw std::logic_error("no StringSupport");
+        return *service;
+    }
+};
+
+TEST_F(ReferenceBundle, IsStartedFromTheInstallRoot) {
+    ASSERT_NE(getHeldService<StringSupport>(), nullptr);
+    EXPECT_EQ(strings().getStringClassId(), 19);
+    EXPECT_EQ(getHeldService<IZOBJRegWrapper>(), nullptr);
+
+    const auto manifest = builtinreg::getBuiltinLibraryPath(u"bin/linux64/builtinservices/string/manifest.json");
+    EXPECT_TRUE(std::filesystem::exists(fl::filesystem::to_utf8(manifest)));
+    bool active = false;
+    for (const auto& bundle : foundation::cppmicroservices::getFramework()->GetBundleContext().GetBundles()) {
+        active |= bundle.GetSymbolicName() == "keldor_string_support" &&
+                  bundle.GetState() == cppmicroservices::Bundle::STATE_ACTIVE;
+    }
+    EXPECT_TRUE(active);
+}
+
+TEST_F(ReferenceBundle, StringArraysOfAnySize) {
+    const std::size_t dims[] = {2, 3};
+    const std::vector<std::u16string> texts = {u"a", u"bc", u"", u"d", u"\u00e9t\u00e9", u"f"};
+    const auto array = strings().createString(dims, texts);
+    ASSERT_NE(array, nullptr);
+    EXPECT_EQ(matrix::classId(array.get()), 19);
+    EXPECT_EQ(matrix::numberOfElements(array.get()), 6u);
+    EXPECT_TRUE(strings().isString(array.get()));
+    EXPECT_EQ(strings().getNumberOfStrings(array.get()), 6u);
+    EXPECT_EQ(strings().getStrings(array.get()), texts);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        EXPECT_EQ(strings().getString(array.get(), i), texts[i]);
+    }
+    EXPECT_EQ(strings().getStringUtf8(array.get(), 4), "\xc3\xa9t\xc3\xa9");
+    EXPECT_THROW(strings().getString(array.get(), 6), std::out_of_range);
+
+    const std::size_t wrongDims[] = {2, 2};
+    EXPECT_THROW(strings().createString(wrongDims, texts), std::invalid_argument);
+    const std::size_t emptyDims[] = {0, 3};
+    EXPECT_EQ(strings().getNumberOfStrings(strings().createEmptyStrings(emptyDims).get()), 0u);
+}
+
+TEST_F(ReferenceBundle, OnlyAOneByOneStringIsAFlag) {
+    const std::size_t scalar[] = {1, 1};
+    const std::size_t pair[] = {1, 2};
+    const auto one = strings().createString(scalar, {u"on"});
+    const auto two = strings().createString(pair, {u"on", u"off"});
+    const auto chars = ka::charArray(std::u16string_view(u"on"));
+    EXPECT_EQ(strings().getStringFlag(one.get()), std::u16string_view(u"on"));
+    EXPECT_EQ(strings().getStringFlag(two.get()), std::nullopt);
+    EXPECT_EQ(strings().getStringFlag(chars.get()), std::nullopt);
+    EXPECT_EQ(strings().getStringFlag(nullptr), std::nullopt);
+    EXPECT_FALSE(strings().isString(chars.get()));
+    EXPECT_THROW(strings().getString(chars.get(), 0), std::invalid_argument);
+}
+
+TEST_F(ReferenceBundle, EngineStringsBecomeScalarStrings) {
+    Norvane::String::String text(u"hello");
+    const auto array = strings().stringToKaArray(&text, 0);
+    ASSERT_NE(array, nullptr);
+    EXPECT_EQ(strings().getStringFlag(array.get()), std::u16string_view(u"hello"));
+    EXPECT_THROW(strings().stringToKaArray(&text, 1), std::invalid_argument);
+    EXPECT_THROW(strings().stringToKaArray(nullptr, 0), std::invalid_argument);
+}
+
+}  // namespace
