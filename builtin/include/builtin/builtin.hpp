@@ -3,3 +3,4 @@
 
 #include <builtin/config.hpp>
 #include <builtin/services/services.hpp>
+#include <builtin/types/types.hpp>

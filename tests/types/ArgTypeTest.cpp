@@ -1,0 +1,362 @@
+// The union and its double dispatch: the isAcceptable and isCompatible matrices over all
+// alternatives, and the free functions that visit one ArgType.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "TypeTestSupport.hpp"
+
+namespace typestest {
+namespace {
+
+// The candidate columns of both matrices: U F N S P O A1 A2.
+const std::vector<ArgType>& candidates() {
+    static const std::vector<ArgType> values = {
+        UnsupportedArgType(),
+        FlagInputType(std::string("on")),
+        realScalar(kaDOUBLE_CLASS),
+        KeldorStringType(StringShape::SCALAR),
+        OrroObjectPlaceTypes(classId(25), 3),
+        OrroObjectTypes(classId(25), 3, true),
+        array(kaDOUBLE_CLASS, Shape::ROW, 1),  // A1: a full real double row
+        array(kaUNKNOWN_CLASS, Shape::TWO_D, 2, Density::UNKNOWN, Complexity::UNKNOWN),  // A2
+    };
+    return values;
+}
+
+struct MatrixRow {
+    const char* what;
+    ArgType type;
+    const char* expected;  // one character per candidate column, '1' for true
+};
+
+void expectMatrix(const std::vector<MatrixRow>& rows,
+                  bool (*relation)(const ArgType&, const ArgType&)) {
+    const auto& columns = candidates();
+    for (const auto& row : rows) {
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            SCOPED_TRACE(testing::Message() << row.what << " / column " << i << " " << columns[i]);
+            EXPECT_EQ(relation(row.type, columns[i]), row.expected[i] == '1');
+        }
+    }
+}
+
+// The most permissive declared array: relaxed, and open in every property.
+KaArrayTypes openRelaxed() {
+    return array(kaUNKNOWN_CLASS, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN,
+                 RELAXED_);
+}
+
+TEST(ArgTypeTest, AcceptanceMatrix) {
+    expectMatrix(
+        {
+            // Columns: U F N S P O A1 A2, as candidates() lists them.
+            {"unsupported", UnsupportedArgType(), "10000000"},
+            {"flag on", FlagInputType(std::string("on")), "01000000"},
+            {"flag off", FlagInputType(std::string("off")), "00000000"},
+            {"real double", realScalar(kaDOUBLE_CLASS), "00100000"},
+            {"complex double", complexScalar(kaDOUBLE_CLASS), "00000000"},
+            {"string any", KeldorStringType(StringShape::ANY), "01010000"},
+            {"string scalar", KeldorStringType(StringShape::SCALAR), "01010000"},
+            {"open place", OrroObjectPlaceTypes(), "00001000"},
+            {"other place", OrroObjectPlaceTypes(classId(26), 0), "00000000"},
+            {"open object", OrroObjectTypes(), "01010100"},
+            {"object of 19", OrroObjectTypes(classId(19), SIZE_MAX, false), "01010000"},
+            {"other object", OrroObjectTypes(classId(26), 0, true), "00000000"},
+            {"open relaxed array", openRelaxed(), "11111111"},
+            {"strict double row", array(kaDOUBLE_CLASS, Shape::ROW, 1), "00000010"},
+            {"relaxed double row", relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1)), "00100010"},
+            // A strict array takes no scalar, even one it would take as a 1-by-1 array.
+            {"strict double scalar", array(kaDOUBLE_CLASS, Shape::SCALAR, 0), "00000000"},
+            {"relaxed double scalar", relaxed(array(kaDOUBLE_CLASS, Shape::SCALAR, 0)), "00100000"},
+            // A relaxed array takes a flag as a scalar string.
+            {"relaxed open-element scalar", relaxed(array(kaUNKNOWN_CLASS, Shape::SCALAR, 0)),
+             "01110000"},
+        },
+        &isAcceptable);
+}
+
+TEST(ArgTypeTest, CompatibilityMatrix) {
+    expectMatrix(
+        {
+            // Columns: U F N S P O A1 A2, as candidates() lists them.
+            {"unsupported", UnsupportedArgType(), "10000001"},
+            {"flag on", FlagInputType(std::string("on")), "01000000"},
+            {"flag off", FlagInputType(std::string("off")), "00000000"},
+            {"real double", realScalar(kaDOUBLE_CLASS), "00100010"},
+            {"complex double", complexScalar(kaDOUBLE_CLASS), "00000000"},
+            {"string scalar", KeldorStringType(StringShape::SCALAR), "01010000"},
+            {"open place", OrroObjectPlaceTypes(), "00001001"},
+            {"other place", OrroObjectPlaceTypes(classId(26), 0), "00000000"},
+            {"open object", OrroObjectTypes(), "01010101"},
+            {"other object", OrroObjectTypes(classId(26), 0, true), "00000000"},
+            {"strict double row", array(kaDOUBLE_CLASS, Shape::ROW, 1), "00100010"},
+            {"relaxed double 2-D", relaxed(array(kaDOUBLE_CLASS, Shape::TWO_D, 2)), "00100010"},
+            {"open array",
+             array(kaUNKNOWN_CLASS, Shape::SCALAR, 0, Density::UNKNOWN, Complexity::UNKNOWN),
+             "10000001"},
+            {"array of class 25",
+             array(classId(25), Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN),
+             "00001100"},
+            {"open relaxed array", openRelaxed(), "10000001"},
+        },
+        &isCompatible);
+}
+
+// Symmetric but for two kinds of pair: a string or an object may be compatible with a flag and
+// an object with a string, never the other way round.
+TEST(ArgTypeTest, CompatibilityIsSymmetricButForFlagsAndStrings) {
+    std::vector<ArgType> values = candidates();
+    values.push_back(KeldorStringType(StringShape::ANY));
+    values.push_back(OrroObjectTypes());
+    values.push_back(OrroObjectPlaceTypes());
+    values.push_back(
+        array(classId(25), Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN));
+    values.push_back(openRelaxed());
+    for (const auto& a : values) {
+        for (const auto& b : values) {
+            SCOPED_TRACE(testing::Message() << a << " / " << b);
+            const bool objectAndString = (std::holds_alternative<OrroObjectTypes>(a) &&
+                                          std::holds_alternative<KeldorStringType>(b)) ||
+                                         (std::holds_alternative<KeldorStringType>(a) &&
+                                          std::holds_alternative<OrroObjectTypes>(b));
+            if (!skipDuringInvoke(a) && !skipDuringInvoke(b) && !objectAndString) {
+                EXPECT_EQ(isCompatible(a, b), isCompatible(b, a));
+            }
+            // A string goes with nothing but strings, flags and arrays.
+            if (std::holds_alternative<KeldorStringType>(a) && !skipDuringInvoke(b) &&
+                !std::holds_alternative<KeldorStringType>(b) &&
+                !std::holds_alternative<KaArrayTypes>(b)) {
+                EXPECT_FALSE(isCompatible(a, b));
+            }
+            // A flag and an array are never compatible, in either order.
+            if (skipDuringInvoke(a) && std::holds_alternative<KaArrayTypes>(b)) {
+                EXPECT_FALSE(isCompatible(a, b));
+                EXPECT_FALSE(isCompatible(b, a));
+            }
+        }
+    }
+}
+
+TEST(ArgTypeTest, AcceptableToOrroNeedsTheSameAlternative) {
+    const struct {
+        const char* what;
+        ArgType declared, candidate;
+        bool acceptable, toOrro;
+    } cases[] = {
+        {"string takes flag", KeldorStringType(), FlagInputType(std::string("x")), true, false},
+        {"object takes string", OrroObjectTypes(), KeldorStringType(), true, false},
+        {"relaxed array takes scalar", openRelaxed(), realScalar(kaINT8_CLASS), true, false},
+        {"relaxed array takes array", openRelaxed(), array(kaINT8_CLASS, Shape::ROW, 1), true,
+         true},
+        {"strict array refuses array", array(kaINT8_CLASS, Shape::COLUMN, 1),
+         array(kaINT8_CLASS, Shape::ROW, 1), false, false},
+        {"open object", OrroObjectTypes(), OrroObjectTypes(classId(30), 1, true), true, true},
+        {"unsupported", UnsupportedArgType(), UnsupportedArgType(), true, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(isAcceptable(c.declared, c.candidate), c.acceptable);
+        EXPECT_EQ(isAcceptableToOrro(c.declared, c.candidate), c.toOrro);
+    }
+}
+
+TEST(ArgTypeTest, SupportLevelsPerAlternative) {
+    using L = OrroSupportLevel;
+    const struct {
+        ArgType type;
+        L input, output;
+    } cases[] = {
+        {UnsupportedArgType(), L::NO_SUPPORT, L::NO_SUPPORT},
+        {FlagInputType(std::string("x")), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {realScalar(kaDOUBLE_CLASS), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {complexScalar(kaDOUBLE_CLASS), L::NO_SUPPORT, L::NO_SUPPORT},
+        {KeldorStringType(StringShape::SCALAR), L::NO_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {KeldorStringType(StringShape::ANY), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {OrroObjectPlaceTypes(), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {OrroObjectTypes(classId(25), 1, true), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {array(kaDOUBLE_CLASS, Shape::SCALAR, 0), L::NO_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {array(kaDOUBLE_CLASS, Shape::ROW, 1), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.type);
+        EXPECT_EQ(getOrroSupportLevel(c.type, IN), c.input);
+        EXPECT_EQ(getOrroSupportLevel(c.type, OUT), c.output);
+    }
+}
+
+TEST(ArgTypeTest, GreaterPrecedenceTypes) {
+    const KaArrayTypes row = relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1));
+    const struct {
+        const char* what;
+        ArgType type;
+        std::vector<ArgType> expected;
+    } cases[] = {
+        {"unsupported", UnsupportedArgType(), {}},
+        {"flag", FlagInputType(std::string("x")), {}},
+        {"scalar", realScalar(kaDOUBLE_CLASS), {}},
+        {"string scalar", KeldorStringType(StringShape::SCALAR), {}},
+        {"string any", KeldorStringType(StringShape::ANY), {KeldorStringType(StringShape::ANY)}},
+        {"place", OrroObjectPlaceTypes(), {}},
+        {"object", OrroObjectTypes(), {}},
+        {"strict array", array(kaDOUBLE_CLASS, Shape::ROW, 1), {}},
+        // Arrays go into the array alternative, scalars into the scalar one, in the same order.
+        {"relaxed row",
+         row,
+         {relaxed(array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0)), realScalar(kaDOUBLE_CLASS)}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(getGreaterPrecedenceTypes(c.type), c.expected);
+    }
+}
+
+TEST(ArgTypeTest, ElementWiseArrayTypes) {
+    const ArgType anyShapeComplexDouble = array(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM,
+                                                Density::FULL, Complexity::COMPLEX, RELAXED_);
+    const ArgType anyShapeInt8 = array(kaINT8_CLASS, Shape::UNKNOWN, ANY_DIM, Density::FULL,
+                                       Complexity::NOT_COMPLEX, RELAXED_);
+    const struct {
+        const char* what;
+        ArgType type;
+        ArgType expected;
+    } cases[] = {
+        {"complex double scalar", complexScalar(kaDOUBLE_CLASS), anyShapeComplexDouble},
+        {"real int8 scalar", realScalar(kaINT8_CLASS), anyShapeInt8},
+        {"strict int8 row", array(kaINT8_CLASS, Shape::ROW, 1), anyShapeInt8},
+        {"relaxed int8 ND", relaxed(array(kaINT8_CLASS, Shape::ND, 3)), anyShapeInt8},
+        // Everything else comes back unchanged.
+        {"scalar of no numeric class", realScalar(kaVOID_CLASS), realScalar(kaVOID_CLASS)},
+        {"sparse", array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE),
+         array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE)},
+        {"open complexity",
+         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN),
+         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN)},
+        {"cell", array(kaCELL_CLASS, Shape::ROW, 1), array(kaCELL_CLASS, Shape::ROW, 1)},
+        {"flag", FlagInputType(std::string("x")), FlagInputType(std::string("x"))},
+        {"string", KeldorStringType(StringShape::SCALAR), KeldorStringType(StringShape::SCALAR)},
+        {"object", OrroObjectTypes(classId(25), 3, false), OrroObjectTypes(classId(25), 3, false)},
+        {"place", OrroObjectPlaceTypes(classId(25), 3), OrroObjectPlaceTypes(classId(25), 3)},
+        {"unsupported", UnsupportedArgType(), UnsupportedArgType()},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const ArgType result = asElementWiseArrayType(c.type);
+        ASSERT_EQ(result.index(), c.expected.index());
+        EXPECT_EQ(result, c.expected);
+        if (const auto* arrayResult = std::get_if<KaArrayTypes>(&result)) {
+            // Array equality compares every field, tolerance and dim included.
+            EXPECT_EQ(arrayResult->hash(), std::get<KaArrayTypes>(c.expected).hash());
+        }
+    }
+}
+
+TEST(ArgTypeTest, SkipAndTolerance) {
+    for (std::size_t i = 0; i < candidates().size(); ++i) {
+        const ArgType& type = candidates()[i];
+        SCOPED_TRACE(i);
+        EXPECT_EQ(skipDuringInvoke(type), i == 1);
+        const ArgType relaxedType = setSignatureTolerance(type, RELAXED_);
+        if (const auto* arrayType = std::get_if<KaArrayTypes>(&relaxedType)) {
+            EXPECT_EQ(arrayType->getSignatureTolerance(), RELAXED_);
+            EXPECT_EQ(setSignatureTolerance(relaxedType, STRICT_), type);
+        } else {
+            EXPECT_EQ(relaxedType, type);
+        }
+    }
+}
+
+// The dispatch of the printed forms: which member each alternative uses, with which arguments.
+TEST(ArgTypeTest, TypeExpressionsAndStreamFormOfEachAlternative) {
+    const struct {
+        ArgType type;
+        const char* input;   // index 4
+        const char* output;  // index 4
+        const char* stream;
+    } cases[] = {
+        {UnsupportedArgType(), "", "", ""},
+        {FlagInputType(std::string("abc")), "keldor_string<literal_flag<\"abc\">>",
+         "keldor_string<literal_flag<\"abc\">>", "keldor_string<literal_flag<\"abc\">>"},
+        {complexScalar(kaDOUBLE_CLASS), "complex_double", "complex_double", "complex_double"},
+        {KeldorStringType(), "keldor_string<$flag_idx4>", "keldor_string<nil>",
+         "keldor_string<$flag_idx0>"},
+        {OrroObjectPlaceTypes(), "orro_object_place<$classid4,$variantid4>", "orro_object_place",
+         "orro_object_place<$classid0,$variantid0>"},
+        {OrroObjectTypes(classId(25), 3, true), "orro_object<25,3, true,$subType4>",
+         "orro_object<25,3, true,nil>", "orro_object<25,3, true,$subType0>"},
+        {array(kaDOUBLE_CLASS, Shape::ND, 3), "kaArray_of<double,ka_nd_array<3>,ka_full,false>",
+         "kaArray_of<double,ka_nd_array<3>,ka_full,false>",
+         "KaArrayTypes: kaDOUBLE_CLASS 3D FULL NOT_COMPLEX STRICT"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.stream);
+        EXPECT_EQ(toString(c.type, IN, 4), c.input);
+        EXPECT_EQ(toString(c.type, OUT, 4), c.output);
+        std::ostringstream os;
+        os << c.type;
+        EXPECT_EQ(os.str(), c.stream);
+    }
+}
+
+TEST(ArgTypeTest, OrderIsByAlternativeFirst) {
+    const std::vector<ArgType> ascending = {
+        UnsupportedArgType(),
+        FlagInputType(std::string("zzz")),
+        FlagInputType(std::u16string(u"\uffff")),
+        realScalar(kaLOGICAL_CLASS),
+        complexScalar(kaUINT64_CLASS),
+        KeldorStringType(StringShape::SCALAR),
+        KeldorStringType(StringShape::ANY),
+        OrroObjectPlaceTypes(classId(19), 0),
+        OrroObjectTypes(classId(19), 0, true),
+        OrroObjectTypes(classId(19), 1, true),
+        array(classId(-1), Shape::SCALAR, 0),
+        array(kaDOUBLE_CLASS, Shape::SCALAR, 0),
+        array(kaUNKNOWN_CLASS, Shape::SCALAR, 0),
+        relaxed(array(kaDOUBLE_CLASS, Shape::SCALAR, 0)),
+    };
+    for (std::size_t i = 0; i + 1 < ascending.size(); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_LT(ascending[i], ascending[i + 1]);
+        EXPECT_FALSE(ascending[i + 1] < ascending[i]);
+        EXPECT_NE(ascending[i], ascending[i + 1]);
+    }
+    EXPECT_EQ(ArgType(), ArgType(UnsupportedArgType()));
+    EXPECT_FALSE(ArgType() < ArgType());
+}
+
+TEST(ArgTypeTest, ValuelessTypesThrowBadVariantAccess) {
+    ArgType valueless = KeldorStringType();
+    // A flag whose UTF-8 cannot be converted fails after the old value has gone.
+    EXPECT_ANY_THROW(valueless.emplace<FlagInputType>(std::string("\xff\xfe")));
+    ASSERT_TRUE(valueless.valueless_by_exception());
+
+    const ArgType fine = UnsupportedArgType();
+    const auto expectThrows = [](const char* what, auto&& call) {
+        SCOPED_TRACE(what);
+        try {
+            call();
+            ADD_FAILURE() << "no exception";
+        } catch (const std::bad_variant_access& error) {
+            EXPECT_STREQ(error.what(), "bad variant access");
+        }
+    };
+    expectThrows("toString", [&] { toString(valueless, IN, 0); });
+    expectThrows("isAcceptable declared", [&] { isAcceptable(valueless, fine); });
+    expectThrows("isAcceptable candidate", [&] { isAcceptable(fine, valueless); });
+    expectThrows("isAcceptableToOrro", [&] { isAcceptableToOrro(fine, valueless); });
+    expectThrows("isCompatible", [&] { isCompatible(valueless, fine); });
+    expectThrows("getOrroSupportLevel", [&] { getOrroSupportLevel(valueless, OUT); });
+    expectThrows("getGreaterPrecedenceTypes", [&] { getGreaterPrecedenceTypes(valueless); });
+    expectThrows("asElementWiseArrayType", [&] { asElementWiseArrayType(valueless); });
+    expectThrows("stream", [&] {
+        std::ostringstream os;
+        os << valueless;
+    });
+    EXPECT_FALSE(skipDuringInvoke(valueless));
+}
+
+}  // namespace
+}  // namespace typestest

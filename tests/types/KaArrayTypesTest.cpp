@@ -1,0 +1,507 @@
+// KaArrayTypes apart from its type expressions: construction, order, hash, acceptance by the
+// shape lattice, precedence lists, support levels and the diagnostic form.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <builtin/types/StringClassId.hpp>
+
+#include "OrderChecks.hpp"
+#include "TypeTestSupport.hpp"
+
+namespace typestest {
+namespace {
+
+// Construction -------------------------------------------------------------------------------
+
+TEST(KaArrayTypesTest, DerivesTheDimensionCountFromTheShape) {
+    const struct {
+        Shape shape;
+        std::size_t dim;
+    } derived[] = {{Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}, {Shape::EMPTY, 0},
+                   {Shape::SCALAR, 0},    {Shape::ROW, 1},       {Shape::COLUMN, 1},
+                   {Shape::VECTOR, 1},    {Shape::TWO_D, 2}};
+    for (const auto& c : derived) {
+        SCOPED_TRACE(static_cast<int>(c.shape));
+        const KaArrayTypes type(kaDOUBLE_CLASS, c.shape, Density::FULL, Complexity::NOT_COMPLEX);
+        EXPECT_EQ(type.getShape(), std::make_pair(c.shape, c.dim));
+        EXPECT_EQ(type.getSignatureTolerance(), STRICT_);
+        KaArrayTypes reshaped;
+        reshaped.setShape(c.shape);
+        EXPECT_EQ(reshaped.getShape(), std::make_pair(c.shape, c.dim));
+    }
+    for (const Shape shape :
+         {Shape::UNKNOWN, Shape::ND, static_cast<Shape>(10), static_cast<Shape>(-1)}) {
+        SCOPED_TRACE(static_cast<int>(shape));
+        try {
+            KaArrayTypes(kaDOUBLE_CLASS, shape, Density::FULL, Complexity::NOT_COMPLEX);
+            ADD_FAILURE() << "no exception";
+        } catch (const std::invalid_argument& error) {
+            EXPECT_STREQ(error.what(), "cannot convert Shape to numeric dimension");
+        }
+        EXPECT_THROW(KaArrayTypes(kaDOUBLE_ARRAY, shape, Density::FULL, Complexity::NOT_COMPLEX),
+                     std::invalid_argument);
+        KaArrayTypes unchanged = array(kaDOUBLE_CLASS, Shape::ROW, 1);
+        EXPECT_THROW(unchanged.setShape(shape), std::invalid_argument);
+        EXPECT_EQ(unchanged.getShape(), std::make_pair(Shape::ROW, std::size_t{1}));
+    }
+    EXPECT_EQ(KaArrayTypes(kaDOUBLE_CLASS, Shape::ND, Density::FULL, Complexity::NOT_COMPLEX, 3)
+                  .getShape(),
+              std::make_pair(Shape::ND, std::size_t{3}));
+}
+
+TEST(KaArrayTypesTest, ConstructorsFromTheOtherAlternatives) {
+    const KaArrayTypes defaulted;
+    EXPECT_EQ(defaulted, array(kaUNKNOWN_CLASS, Shape::SCALAR, 0));
+
+    // A kaArrayType is stored as its number.
+    EXPECT_EQ(KaArrayTypes(kaINT16_ARRAY, Shape::ROW, Density::FULL, Complexity::COMPLEX),
+              array(kaINT16_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX));
+    EXPECT_EQ(KaArrayTypes(static_cast<kaArrayType>(30), Shape::ND, Density::SPARSE,
+                           Complexity::UNKNOWN, 5)
+                  .getElement(),
+              classId(30));
+
+    EXPECT_EQ(KaArrayTypes(realScalar(kaINT8_CLASS)), array(kaINT8_CLASS, Shape::SCALAR, 0));
+    EXPECT_EQ(KaArrayTypes(complexScalar(kaSINGLE_CLASS)),
+              array(kaSINGLE_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::COMPLEX));
+
+    const auto open = [](kaClassID element) {
+        return array(element, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN);
+    };
+    EXPECT_EQ(KaArrayTypes(UnsupportedArgType()), open(kaUNKNOWN_CLASS));
+    EXPECT_EQ(KaArrayTypes(OrroObjectTypes(classId(25), 3, true)), open(classId(25)));
+    EXPECT_EQ(KaArrayTypes(OrroObjectPlaceTypes(classId(26), 1)), open(classId(26)));
+
+    // Strings and flags take the class id that the running system gives strings.
+    const kaClassID stringClass = KeldorStringType::getZobjClassId();
+    EXPECT_EQ(KaArrayTypes(KeldorStringType()), open(stringClass));
+    EXPECT_EQ(KaArrayTypes(KeldorStringType(StringShape::SCALAR)),
+              array(stringClass, Shape::SCALAR, 0));
+    EXPECT_EQ(KaArrayTypes(FlagInputType(std::u16string(u"on"))),
+              array(stringClass, Shape::SCALAR, 0));
+}
+
+TEST(KaArrayTypesTest, AsScalar) {
+    const struct {
+        KaArrayTypes type;
+        bool has;
+        ScalarComplexity complexity;
+    } cases[] = {
+        {array(kaDOUBLE_CLASS, Shape::TWO_D, 2), true, ScalarComplexity::REAL},
+        {array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX), true,
+         ScalarComplexity::COMPLEX},
+        {array(kaINT8_CLASS, Shape::UNKNOWN, ANY_DIM), true, ScalarComplexity::REAL},
+        {array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE), false, {}},
+        {array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::UNKNOWN), false, {}},
+        {array(kaDOUBLE_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::UNKNOWN), false, {}},
+        {array(kaCELL_CLASS, Shape::SCALAR, 0), false, {}},
+        {array(kaVOID_CLASS, Shape::SCALAR, 0), false, {}},
+        {array(kaUNKNOWN_CLASS, Shape::SCALAR, 0), false, {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.type);
+        const auto scalar = c.type.asScalar();
+        ASSERT_EQ(scalar.has_value(), c.has);
+        if (c.has) {
+            EXPECT_EQ(*scalar, NumericScalarTypes(c.type.getElement(), c.complexity));
+        }
+    }
+}
+
+// Order and hash -----------------------------------------------------------------------------
+
+TEST(KaArrayTypesTest, OrderPutsOpenValuesLast) {
+    const struct {
+        const char* what;
+        KaArrayTypes lower, higher;
+    } cases[] = {
+        {"tolerance first", array(kaUNKNOWN_CLASS, Shape::UNKNOWN, ANY_DIM),
+         relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1))},
+        {"element, lower first", array(kaDOUBLE_CLASS, Shape::TWO_D, 2),
+         array(kaSINGLE_CLASS, Shape::SCALAR, 0)},
+        {"element, open last", array(kaUINT64_CLASS, Shape::ROW, 1),
+         array(kaUNKNOWN_CLASS, Shape::SCALAR, 0)},
+        {"element, signed", array(classId(-1), Shape::ROW, 1), array(kaCELL_CLASS, Shape::ROW, 1)},
+        {"element, negative before open", array(classId(-1), Shape::ROW, 1),
+         array(kaUNKNOWN_CLASS, Shape::ROW, 1)},
+        {"density before complexity",
+         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX),
+         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE, Complexity::NOT_COMPLEX)},
+        {"density, open last", array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE),
+         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::UNKNOWN)},
+        {"complexity, open last",
+         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX),
+         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN)},
+        {"dim before shape", array(kaDOUBLE_CLASS, Shape::SCALAR, 0),
+         array(kaDOUBLE_CLASS, Shape::ROW, 1)},
+        {"dim unsigned", array(kaDOUBLE_CLASS, Shape::ND, 4),
+         array(kaDOUBLE_CLASS, Shape::ND, ANY_DIM)},
+        {"shape", array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0),
+         array(kaDOUBLE_CLASS, Shape::SCALAR, 0)},
+        {"shape, open last", array(kaDOUBLE_CLASS, Shape::ND, ANY_DIM),
+         array(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM)},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_TRUE(c.lower < c.higher);
+        EXPECT_FALSE(c.higher < c.lower);
+        EXPECT_TRUE(c.higher > c.lower);
+        EXPECT_NE(c.lower, c.higher);
+    }
+    EXPECT_EQ(array(kaDOUBLE_CLASS, Shape::ROW, 1), array(kaDOUBLE_CLASS, Shape::ROW, 1));
+    EXPECT_LE(array(kaDOUBLE_CLASS, Shape::ROW, 1), array(kaDOUBLE_CLASS, Shape::ROW, 1));
+}
+
+TEST(KaArrayTypesTest, OrderIsAStrictWeakOrder) {
+    std::vector<KaArrayTypes> values;
+    // Each key takes its open value, a negative or low value and a higher one.
+    for (const std::int32_t element : {0, 6, -2}) {
+        for (const Shape shape : {Shape::UNKNOWN, Shape::SCALAR, Shape::ND}) {
+            for (const Density density : {Density::UNKNOWN, Density::SPARSE}) {
+                for (const Complexity complexity : {Complexity::UNKNOWN, Complexity::COMPLEX}) {
+                    for (const std::size_t dim : {std::size_t{0}, std::size_t{3}, ANY_DIM}) {
+                        for (const auto tolerance : {STRICT_, RELAXED_}) {
+                            values.push_back(array(classId(element), shape, dim, density,
+                                                   complexity, tolerance));
+                        }
+                    }
+                }
+            }
+        }
+    }
+    expectStrictWeakOrder(values);
+}
+
+TEST(KaArrayTypesTest, HashMixesTheFieldsInOrder) {
+    const KaArrayTypes row = array(kaDOUBLE_CLASS, Shape::ROW, 1);
+    EXPECT_EQ(row.hash(), 0xec79d0908eacc044ULL);
+    const KaArrayTypes cases[] = {
+        row,
+        array(classId(-3), Shape::ND, ANY_DIM, Density::SPARSE, Complexity::COMPLEX, RELAXED_),
+        KaArrayTypes(UnsupportedArgType()),
+    };
+    for (const auto& type : cases) {
+        SCOPED_TRACE(testing::Message() << type);
+        std::uint64_t seed = 0;
+        seed = mixStep(seed, widened(type.element));
+        seed = mixStep(seed, widened(static_cast<std::int32_t>(type.shape)));
+        seed = mixStep(seed, widened(static_cast<std::int32_t>(type.density)));
+        seed = mixStep(seed, widened(static_cast<std::int32_t>(type.complexity)));
+        seed = mixStep(seed, type.dim);
+        seed = mixStep(seed, widened(static_cast<std::int32_t>(type.tolerance)));
+        EXPECT_EQ(type.hash(), seed);
+    }
+    EXPECT_NE(row.hash(), relaxed(row).hash());
+}
+
+// Acceptance ---------------------------------------------------------------------------------
+
+// The candidates of the lattice, one of each shape with its usual dimension count.
+const std::vector<KaArrayTypes>& latticeCandidates() {
+    static const std::vector<KaArrayTypes> candidates = {
+        array(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM), array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0),
+        array(kaDOUBLE_CLASS, Shape::EMPTY_COL, 0),     array(kaDOUBLE_CLASS, Shape::EMPTY, 0),
+        array(kaDOUBLE_CLASS, Shape::SCALAR, 0),        array(kaDOUBLE_CLASS, Shape::ROW, 1),
+        array(kaDOUBLE_CLASS, Shape::COLUMN, 1),        array(kaDOUBLE_CLASS, Shape::VECTOR, 1),
+        array(kaDOUBLE_CLASS, Shape::TWO_D, 2),         array(kaDOUBLE_CLASS, Shape::ND, 3),
+    };
+    return candidates;
+}
+
+struct LatticeRow {
+    const char* what;
+    Shape shape;
+    std::size_t dim;
+    // One character for each candidate: U ER EC E S R C V 2 N3.
+    const char* relaxedTakes;
+    const char* strictTakes;
+};
+
+TEST(KaArrayTypesTest, ShapeLatticeRowByRow) {
+    const LatticeRow rows[] = {
+        {"UNKNOWN", Shape::UNKNOWN, ANY_DIM, "1111111111", "1000000000"},
+        {"EMPTY_ROW", Shape::EMPTY_ROW, 0, "0100000000", "0100000000"},
+        {"EMPTY_COL", Shape::EMPTY_COL, 0, "0010000000", "0010000000"},
+        {"EMPTY", Shape::EMPTY, 0, "0111000000", "0111000000"},
+        {"EMPTY of 3", Shape::EMPTY, 3, "0111000000", "0000000000"},
+        {"SCALAR", Shape::SCALAR, 0, "0000100000", "0000100000"},
+        {"ROW", Shape::ROW, 1, "0100110000", "0000010000"},
+        {"COLUMN", Shape::COLUMN, 1, "0010101000", "0000001000"},
+        {"VECTOR", Shape::VECTOR, 1, "0110111000", "0000000100"},
+        {"TWO_D", Shape::TWO_D, 2, "0111111110", "0000000010"},
+        {"ND 3", Shape::ND, 3, "0111111111", "0000000001"},
+        {"ND 2", Shape::ND, 2, "0111111110", "0000000000"},
+        {"ND any", Shape::ND, ANY_DIM, "1111111111", "0000000000"},
+        {"outside the enum", static_cast<Shape>(42), 0, "0000000000", "0000000000"},
+    };
+    const auto& candidates = latticeCandidates();
+    for (const auto& row : rows) {
+        const KaArrayTypes strict = array(kaDOUBLE_CLASS, row.shape, row.dim);
+        for (std::size_t i = 0; i < candidates.size(); ++i) {
+            SCOPED_TRACE(testing::Message() << row.what << " takes " << candidates[i]);
+            EXPECT_EQ(relaxed(strict).isAcceptable(candidates[i]), row.relaxedTakes[i] == '1');
+            EXPECT_EQ(strict.isAcceptable(candidates[i]), row.strictTakes[i] == '1');
+        }
+    }
+    // Dimension counts beyond the usual ones: an ND of 3 takes nothing above 3 dimensions.
+    const KaArrayTypes nd3 = relaxed(array(kaDOUBLE_CLASS, Shape::ND, 3));
+    EXPECT_FALSE(nd3.isAcceptable(array(kaDOUBLE_CLASS, Shape::ND, 4)));
+    EXPECT_TRUE(nd3.isAcceptable(array(kaDOUBLE_CLASS, Shape::EMPTY, 3)));
+    EXPECT_TRUE(relaxed(array(kaDOUBLE_CLASS, Shape::ND, ANY_DIM))
+                    .isAcceptable(array(kaDOUBLE_CLASS, Shape::ND, 1000)));
+}
+
+TEST(KaArrayTypesTest, ElementComplexityAndDensityBeforeTheShape) {
+    const KaArrayTypes candidate =
+        array(kaINT32_CLASS, Shape::ROW, 1, Density::SPARSE, Complexity::COMPLEX);
+    const struct {
+        const char* what;
+        kaClassID element;
+        Density density;
+        Complexity complexity;
+        bool relaxedTakes, strictTakes;
+    } cases[] = {
+        {"all equal", kaINT32_CLASS, Density::SPARSE, Complexity::COMPLEX, true, true},
+        {"open element", kaUNKNOWN_CLASS, Density::SPARSE, Complexity::COMPLEX, true, false},
+        {"other element", kaINT64_CLASS, Density::SPARSE, Complexity::COMPLEX, false, false},
+        {"open complexity", kaINT32_CLASS, Density::SPARSE, Complexity::UNKNOWN, true, false},
+        {"other complexity", kaINT32_CLASS, Density::SPARSE, Complexity::NOT_COMPLEX, false, false},
+        {"open density", kaINT32_CLASS, Density::UNKNOWN, Complexity::COMPLEX, true, false},
+        {"other density", kaINT32_CLASS, Density::FULL, Complexity::COMPLEX, false, false},
+        {"all open", kaUNKNOWN_CLASS, Density::UNKNOWN, Complexity::UNKNOWN, true, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const KaArrayTypes strict = array(c.element, Shape::ROW, 1, c.density, c.complexity);
+        EXPECT_EQ(relaxed(strict).isAcceptable(candidate), c.relaxedTakes);
+        EXPECT_EQ(strict.isAcceptable(candidate), c.strictTakes);
+    }
+    // A declared open element is no wildcard for the candidate's open element the other way.
+    EXPECT_FALSE(relaxed(array(kaINT32_CLASS, Shape::ROW, 1))
+                     .isAcceptable(array(kaUNKNOWN_CLASS, Shape::ROW, 1)));
+}
+
+TEST(KaArrayTypesTest, CompatibilityLooksAtElementComplexityAndDensityOnly) {
+    const KaArrayTypes row = array(kaDOUBLE_CLASS, Shape::ROW, 1);
+    EXPECT_TRUE(row.isCompatible(relaxed(array(kaDOUBLE_CLASS, Shape::TWO_D, 2))));
+    EXPECT_TRUE(row.isCompatible(array(kaDOUBLE_CLASS, Shape::ND, 7)));
+    EXPECT_FALSE(row.isCompatible(array(kaSINGLE_CLASS, Shape::ROW, 1)));
+    EXPECT_FALSE(row.isCompatible(array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE)));
+    EXPECT_FALSE(
+        row.isCompatible(array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX)));
+    // UNKNOWN is no wildcard here.
+    EXPECT_FALSE(row.isCompatible(array(kaUNKNOWN_CLASS, Shape::ROW, 1)));
+    EXPECT_FALSE(relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::UNKNOWN)).isCompatible(row));
+}
+
+// Precedence ---------------------------------------------------------------------------------
+
+using Entry = KaArrayTypes::PrecedenceType;
+
+std::string describe(const std::vector<Entry>& entries) {
+    std::ostringstream os;
+    for (const auto& entry : entries) {
+        if (const auto* arrayEntry = std::get_if<KaArrayTypes>(&entry)) {
+            os << '[' << *arrayEntry << ']';
+        } else {
+            os << '[' << std::get<NumericScalarTypes>(entry) << ']';
+        }
+    }
+    return os.str();
+}
+
+// The entries of a list as shape and dimension count, with the numeric scalar as "scalar".
+std::vector<std::string> shapesOf(const std::vector<Entry>& entries) {
+    std::vector<std::string> shapes;
+    for (const auto& entry : entries) {
+        if (const auto* arrayEntry = std::get_if<KaArrayTypes>(&entry)) {
+            const auto [shape, dim] = arrayEntry->getShape();
+            shapes.push_back(std::to_string(static_cast<int>(shape)) + ":" +
+                             (dim == ANY_DIM ? std::string("any") : std::to_string(dim)));
+        } else {
+            shapes.push_back("scalar");
+        }
+    }
+    return shapes;
+}
+
+TEST(KaArrayTypesTest, PrecedenceListsBySortedShape) {
+    // Shapes as numbers: 1 EMPTY_ROW, 2 EMPTY_COL, 3 EMPTY, 4 SCALAR, 5 ROW, 6 COLUMN,
+    // 7 VECTOR, 8 TWO_D, 9 ND. Arrays sort by dim, then shape; the numeric scalar comes last.
+    const std::vector<std::string> general = {"1:0", "2:0", "3:0", "5:1", "6:1", "7:1", "8:2"};
+    const auto with = [&](std::vector<std::string> tail) {
+        std::vector<std::string> all = general;
+        all.insert(all.end(), tail.begin(), tail.end());
+        return all;
+    };
+    const struct {
+        const char* what;
+        Shape shape;
+        std::size_t dim;
+        std::vector<std::string> expected;
+    } cases[] = {
+        {"EMPTY_ROW", Shape::EMPTY_ROW, 0, {}},
+        {"EMPTY_COL", Shape::EMPTY_COL, 0, {}},
+        {"SCALAR", Shape::SCALAR, 0, {}},
+        {"outside the enum", static_cast<Shape>(12), 0, {}},
+        {"EMPTY", Shape::EMPTY, 0, {"1:0", "2:0"}},
+        {"ROW", Shape::ROW, 1, {"1:0", "scalar"}},
+        {"COLUMN", Shape::COLUMN, 1, {"2:0", "scalar"}},
+        {"VECTOR", Shape::VECTOR, 1, {"1:0", "2:0", "5:1", "6:1", "scalar"}},
+        {"TWO_D", Shape::TWO_D, 2, {"1:0", "2:0", "3:0", "5:1", "6:1", "7:1", "scalar"}},
+        {"ND 3", Shape::ND, 3, with({"scalar"})},
+        {"ND 4", Shape::ND, 4, with({"9:3", "scalar"})},
+        {"ND 7", Shape::ND, 7, with({"9:3", "9:4", "scalar"})},
+        {"ND any", Shape::ND, ANY_DIM, with({"9:3", "9:4", "9:any", "scalar"})},
+        {"UNKNOWN", Shape::UNKNOWN, ANY_DIM, with({"9:3", "9:4", "9:5", "9:any", "scalar"})},
+        {"UNKNOWN of 2", Shape::UNKNOWN, 2, with({"9:2", "scalar"})},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const KaArrayTypes declared = relaxed(array(kaDOUBLE_CLASS, c.shape, c.dim));
+        const auto entries = declared.getGreaterPrecedenceTypes();
+        EXPECT_EQ(shapesOf(entries), c.expected) << describe(entries);
+        EXPECT_TRUE(array(kaDOUBLE_CLASS, c.shape, c.dim).getGreaterPrecedenceTypes().empty());
+        // Every array entry is a copy with only the shape and dimension count replaced.
+        for (const auto& entry : entries) {
+            if (const auto* arrayEntry = std::get_if<KaArrayTypes>(&entry)) {
+                EXPECT_TRUE(arrayEntry->getElement() == kaDOUBLE_CLASS &&
+                            arrayEntry->getDensity() == Density::FULL &&
+                            arrayEntry->getComplexity() == Complexity::NOT_COMPLEX &&
+                            arrayEntry->getSignatureTolerance() == RELAXED_)
+                    << *arrayEntry;
+            }
+        }
+    }
+}
+
+TEST(KaArrayTypesTest, PrecedenceScalarEntry) {
+    const struct {
+        const char* what;
+        KaArrayTypes declared;
+        Entry scalar;
+    } cases[] = {
+        {"real double", array(kaDOUBLE_CLASS, Shape::ROW, 1), realScalar(kaDOUBLE_CLASS)},
+        {"open complexity", array(kaINT8_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN),
+         realScalar(kaINT8_CLASS)},
+        {"complex", array(kaSINGLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX),
+         complexScalar(kaSINGLE_CLASS)},
+        // Sparse arrays still list the scalar: the density is not asked here.
+        {"sparse", array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE),
+         realScalar(kaDOUBLE_CLASS)},
+        {"cell", array(kaCELL_CLASS, Shape::ROW, 1),
+         relaxed(array(kaCELL_CLASS, Shape::SCALAR, 0))},
+        {"open element", array(kaUNKNOWN_CLASS, Shape::ROW, 1, Density::UNKNOWN),
+         relaxed(array(kaUNKNOWN_CLASS, Shape::SCALAR, 0, Density::UNKNOWN))},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const auto entries = relaxed(c.declared).getGreaterPrecedenceTypes();
+        ASSERT_EQ(entries.size(), 2U) << describe(entries);
+        EXPECT_EQ(entries[1], c.scalar) << describe(entries);
+    }
+}
+
+TEST(KaArrayTypesTest, PrecedenceListsAreSortedWithoutDuplicates) {
+    for (int shape = 0; shape <= 9; ++shape) {
+        for (const std::size_t dim : {std::size_t{0}, std::size_t{2}, std::size_t{3},
+                                      std::size_t{5}, std::size_t{6}, ANY_DIM}) {
+            for (const kaClassID element : {kaDOUBLE_CLASS, kaCELL_CLASS, classId(30)}) {
+                SCOPED_TRACE(testing::Message() << shape << " " << dim << " " << element);
+                const auto entries = relaxed(array(element, static_cast<Shape>(shape), dim))
+                                         .getGreaterPrecedenceTypes();
+                EXPECT_TRUE(std::is_sorted(entries.begin(), entries.end())) << describe(entries);
+                EXPECT_EQ(std::adjacent_find(entries.begin(), entries.end()), entries.end())
+                    << describe(entries);
+            }
+        }
+    }
+}
+
+// Support level and diagnostic form ---------------------------------------------------------
+
+TEST(KaArrayTypesTest, SupportLevels) {
+    using L = OrroSupportLevel;
+    const struct {
+        const char* what;
+        KaArrayTypes type;
+        L input, output;
+    } cases[] = {
+        {"numeric scalar", array(kaDOUBLE_CLASS, Shape::SCALAR, 0), L::NO_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+        {"complex numeric scalar",
+         array(kaINT8_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::COMPLEX), L::NO_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+        {"numeric row", array(kaDOUBLE_CLASS, Shape::ROW, 1), L::EQUIVALENT_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+        {"cell scalar", array(kaCELL_CLASS, Shape::SCALAR, 0), L::EQUIVALENT_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+        {"opaque scalar", array(kaOPAQUE_CLASS, Shape::SCALAR, 0), L::EQUIVALENT_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+        {"negative", array(classId(-1), Shape::SCALAR, 0), L::EQUIVALENT_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+        {"open element", array(kaUNKNOWN_CLASS, Shape::UNKNOWN, ANY_DIM), L::EQUIVALENT_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(c.type.getOrroSupportLevel(IN), c.input);
+        EXPECT_EQ(c.type.getOrroSupportLevel(OUT), c.output);
+    }
+    // Classes of the class system: never as inputs; as outputs only the string class.
+    const auto stringClass = detail::getKnownStringClassId();
+    for (const std::int32_t element : {18, 19, 25, 1000}) {
+        SCOPED_TRACE(element);
+        const KaArrayTypes object = array(classId(element), Shape::SCALAR, 0);
+        EXPECT_EQ(object.getOrroSupportLevel(IN), L::NO_SUPPORT);
+        const bool isString = stringClass && *stringClass == classId(element);
+        EXPECT_EQ(object.getOrroSupportLevel(OUT),
+                  isString ? L::EQUIVALENT_SUPPORT : L::NO_SUPPORT);
+    }
+}
+
+TEST(KaArrayTypesTest, DiagnosticForm) {
+    const struct {
+        KaArrayTypes type;
+        const char* text;
+    } cases[] = {
+        {array(kaDOUBLE_CLASS, Shape::ND, 3),
+         "KaArrayTypes: kaDOUBLE_CLASS 3D FULL NOT_COMPLEX STRICT"},
+        {KaArrayTypes(), "KaArrayTypes: kaUNKNOWN_CLASS SCALAR FULL NOT_COMPLEX STRICT"},
+        {relaxed(KaArrayTypes(UnsupportedArgType())),
+         "KaArrayTypes: kaUNKNOWN_CLASS Unknown Shape Unknown Density Unknown Complexity RELAXED"},
+        {array(kaOPAQUE_CLASS, Shape::EMPTY_ROW, 0, Density::SPARSE, Complexity::COMPLEX),
+         "KaArrayTypes: kaOPAQUE_CLASS EMPTY_ROW SPARSE COMPLEX STRICT"},
+        {array(kaFUNCTION_CLASS, Shape::TWO_D, 2),
+         "KaArrayTypes: kaFUNCTION_CLASS 2D FULL NOT_COMPLEX STRICT"},
+        {array(classId(18), Shape::EMPTY_COL, 0),
+         "KaArrayTypes: kaOBJECT_CLASS(18) EMPTY_COL FULL NOT_COMPLEX STRICT"},
+        {array(classId(25), Shape::VECTOR, 1),
+         "KaArrayTypes: kaOBJECT_CLASS(25) VECTOR FULL NOT_COMPLEX STRICT"},
+        {array(classId(-3), Shape::EMPTY, 0), "KaArrayTypes: ?-3? EMPTY FULL NOT_COMPLEX STRICT"},
+        {array(kaINT8_CLASS, Shape::ND, ANY_DIM),
+         "KaArrayTypes: kaINT8_CLASS 18446744073709551615D FULL NOT_COMPLEX STRICT"},
+        {array(kaCELL_CLASS, static_cast<Shape>(42), 0, static_cast<Density>(9),
+               static_cast<Complexity>(9), static_cast<SignatureTolerance>(9)),
+         "KaArrayTypes: kaCELL_CLASS    "},
+        {array(kaUINT16_CLASS, Shape::COLUMN, 1),
+         "KaArrayTypes: kaUINT16_CLASS COLUMN FULL NOT_COMPLEX STRICT"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        std::ostringstream member;
+        c.type.operator<<(member);
+        EXPECT_EQ(member.str(), c.text);
+        std::ostringstream free;
+        free << c.type;
+        EXPECT_EQ(free.str(), c.text);
+    }
+}
+
+}  // namespace
+}  // namespace typestest

@@ -1,0 +1,105 @@
+// A process whose framework offers an in-process StringSupport double: the string class id is
+// asked once and kept, and conversions, support levels and compatibility use it.
+// Its own executable, since the service holders are filled once per process.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+
+#include <builtin/services/BuiltinServices.hpp>
+#include <builtin/types/StringClassId.hpp>
+#include <foundation/cppmicroservices/framework.hpp>
+
+#include "TypeTestSupport.hpp"
+
+namespace typestest {
+namespace {
+
+using Norvane::builtin::StringSupport;
+
+constexpr std::int32_t kStringClass = 42;
+
+// Answers the class id and counts the questions; nothing else is asked in these tests.
+class StringSupportDouble : public StringSupport {
+public:
+    mutable int classIdCalls = 0;
+
+    kaClassID getStringClassId() const override {
+        ++classIdCalls;
+        return classId(kStringClass);
+    }
+    bool isString(const kaArray_tag*) const override { unused(); }
+    std::size_t getNumberOfStrings(const kaArray_tag*) const override { unused(); }
+    std::string getStringUtf8(const kaArray_tag*, std::size_t) const override { unused(); }
+    const std::u16string& getString(const kaArray_tag*, std::size_t) const override { unused(); }
+    OwnedArray createEmptyStrings(std::span<const std::size_t>) const override { unused(); }
+    OwnedArray createString(std::span<const std::size_t>,
+                            std::vector<std::u16string>) const override {
+        unused();
+    }
+    std::optional<std::u16string_view> getStringFlag(const kaArray_tag*) const override {
+        unused();
+    }
+    std::vector<std::u16string> getStrings(const kaArray_tag*) const override { unused(); }
+    OwnedArray stringToKaArray(Norvane::String::String*, unsigned) const override { unused(); }
+
+private:
+    [[noreturn]] static void unused() { throw std::logic_error("not used by these tests"); }
+};
+
+class WithStringSupportTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        // An empty installation root, so that no real bundle starts beside the double.
+        static const std::filesystem::path root =
+            std::filesystem::temp_directory_path() / "builtin-types-test-root";
+        std::filesystem::create_directories(root);
+        ::setenv("KELDOR_INSTALL_ROOT", root.c_str(), 1);
+        service = std::make_shared<StringSupportDouble>();
+        auto framework = foundation::cppmicroservices::createFramework();
+        framework->GetBundleContext().RegisterService<StringSupport>(service);
+    }
+    static inline std::shared_ptr<StringSupportDouble> service;
+};
+
+TEST_F(WithStringSupportTest, ClassIdIsAskedOnceAndKept) {
+    ASSERT_EQ(Norvane::builtin::getHeldService<StringSupport>(), service);
+    for (int call = 0; call < 3; ++call) {
+        EXPECT_EQ(KeldorStringType::getZobjClassId(), classId(kStringClass));
+    }
+    EXPECT_EQ(service->classIdCalls, 1);
+    // The lenient reading keeps its own copy, asked once as well.
+    for (int call = 0; call < 3; ++call) {
+        EXPECT_EQ(detail::getKnownStringClassId(), classId(kStringClass));
+    }
+    EXPECT_EQ(service->classIdCalls, 2);
+}
+
+TEST_F(WithStringSupportTest, ConversionsAndRulesUseTheStringClass) {
+    const kaClassID string = classId(kStringClass);
+    const FlagInputType flag(std::string("on"));
+    EXPECT_EQ(KaArrayTypes(flag), array(string, Shape::SCALAR, 0));
+    EXPECT_EQ(KaArrayTypes(KeldorStringType(StringShape::SCALAR)), array(string, Shape::SCALAR, 0));
+    EXPECT_EQ(KaArrayTypes(KeldorStringType()),
+              array(string, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN));
+
+    EXPECT_TRUE(isAcceptable(relaxed(array(string, Shape::SCALAR, 0)), flag));
+    EXPECT_FALSE(isAcceptable(relaxed(array(kaDOUBLE_CLASS, Shape::SCALAR, 0)), flag));
+    EXPECT_FALSE(isAcceptable(array(string, Shape::SCALAR, 0), flag));  // strict
+    EXPECT_TRUE(isCompatible(
+        KeldorStringType(), array(string, Shape::TWO_D, 2, Density::UNKNOWN, Complexity::UNKNOWN)));
+
+    EXPECT_EQ(array(string, Shape::SCALAR, 0).getOrroSupportLevel(OUT),
+              OrroSupportLevel::EQUIVALENT_SUPPORT);
+    EXPECT_EQ(array(string, Shape::SCALAR, 0).getOrroSupportLevel(IN),
+              OrroSupportLevel::NO_SUPPORT);
+    EXPECT_EQ(array(classId(kStringClass + 1), Shape::SCALAR, 0).getOrroSupportLevel(OUT),
+              OrroSupportLevel::NO_SUPPORT);
+    // Strings and flags still come back unchanged from the element-wise form.
+    EXPECT_EQ(asElementWiseArrayType(flag), ArgType(flag));
+}
+
+}  // namespace
+}  // namespace typestest
