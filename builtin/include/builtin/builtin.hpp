@@ -2,5 +2,6 @@
 #pragma once
 
 #include <builtin/config.hpp>
+#include <builtin/calling/calling.hpp>
 #include <builtin/services/services.hpp>
 #include <builtin/types/types.hpp>
