@@ -5,3 +5,9 @@
 #include <builtin/calling/calling.hpp>
 #include <builtin/services/services.hpp>
 #include <builtin/types/types.hpp>
+#include <builtin/variants/variants.hpp>
+#include <builtin/invoke/invoke.hpp>
+#include <builtin/calling/ParameterChecks.hpp>
+#include <builtin/calling/ParameterConversion.hpp>
+#include <builtin/types/StringTraits.hpp>
+#include <builtin/types/classifyKaArray.hpp>

@@ -1,0 +1,97 @@
+// BuiltinFcn: one builtin of the language as the runtime holds it. It views the sorted variant
+// lists that its module keeps (so those must outlive it), owns its name and its default
+// implementation, and takes interpreted calls through `invoke`: choose a list, find the first
+// variant that accepts the arguments, call it with unboxed values, deliver its warnings and
+// error, and hand back the result as an array. Calls that no variant takes go to the default
+// implementation, an array function.
+//
+// Modules derive from it. It is immutable after construction and read without locks.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+#include <capabilities/CapabilityList.hpp>
+#include <engine/opaque.hpp>
+
+#include <builtin/calling/OrroFunctionDescriptor.hpp>
+#include <builtin/config.hpp>
+#include <builtin/variants/BuiltinVariant.hpp>
+
+struct kaArray_tag;
+
+namespace Norvane::builtin {
+
+class BUILTIN_API BuiltinFcn {
+public:
+    // Which lists `invoke` searches. Any value other than InvokeNoOrro counts as InvokeAfterOrro.
+    enum class VariantsToConsider : int {
+        InvokeNoOrro = 0,     // the interpreter calls without the engine
+        InvokeAfterOrro = 1,  // the engine has passed the call on
+    };
+
+    // The form of a default implementation's native entry; it receives the address of the
+    // default variant's descriptor.
+    using ArrayFunction = void (*)(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
+                                   OrroFunctionDescriptor* descriptor);
+
+    // Copies every field; the variant arrays are shared, the default variant copied.
+    BuiltinFcn(const BuiltinFcn& other);
+    BuiltinFcn& operator=(const BuiltinFcn&) = delete;
+    virtual ~BuiltinFcn();
+
+    // The interpreter's entry into the builtin; a derived class decides which lists to search
+    // and calls invoke.
+    virtual void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const = 0;
+    // A copy of the derived object, owned by the caller.
+    virtual BuiltinFcn* clone() const = 0;
+    // Empty unless a derived class says otherwise; the same string object every time.
+    virtual const std::string& getHelpContent() const;
+
+    const std::string& getName() const { return name_; }
+    const VariantArray& getAllVariants() const { return allVariants_; }
+    Zfh_KELDOR_fn* getDecoratedFn() const { return decoratedFn_; }
+
+    // Calls the builtin with arrays. Fills plhs[0] when nlhs is 1, or when nlhs is 0, plhs is
+    // not null and the chosen variant has an output; otherwise a result is released. Lets
+    // through what the builtin throws, after its warnings have gone to matrix::handleWarning.
+    // Throws std::logic_error when no variant takes the call and there is no default
+    // implementation, and std::invalid_argument for a negative count.
+    void invoke(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
+                VariantsToConsider variantsToConsider) const;
+
+protected:
+    // No name, no variants and no default implementation.
+    BuiltinFcn();
+    // The arrays must be in the order of BuiltinVariant::operator< and outlive this object.
+    // Mind the order: after Orro before no Orro, and the complex-scalar list last.
+    BuiltinFcn(std::string name, capabilities::CapabilityList capabilities, VariantArray all,
+               VariantArray searchedByOrro, VariantArray searchedByInvokeAfterOrro,
+               VariantArray searchedByInvokeNoOrro, BuiltinVariant defaultVariant,
+               Zfh_KELDOR_fn* decoratedFn, VariantArray searchedByInvokeAfterOrroComplexScalar);
+
+private:
+    void invokeDefaultImplementation(int nlhs, kaArray_tag** plhs, int nrhs,
+                                     kaArray_tag** prhs) const;
+    void logConstruction() const;
+
+    // Fields in their stored order, which derived classes in other modules build on.
+    std::string name_;
+    capabilities::CapabilityList capabilities_;
+
+public:
+    // The variants the engine searches; it reads them directly.
+    const BuiltinVariant* variants = nullptr;
+    std::size_t numVariants = 0;
+
+private:
+    BuiltinVariant defaultVariant_;
+    VariantArray allVariants_;
+    VariantArray searchedByInvokeNoOrro_;
+    VariantArray searchedByInvokeAfterOrro_;
+    VariantArray searchedByInvokeAfterOrroComplexScalar_;
+    Zfh_KELDOR_fn* decoratedFn_ = nullptr;
+};
+
+}  // namespace Norvane::builtin

@@ -1,0 +1,142 @@
+// Construction, equality and the total order of variants. The order decides precedence at call
+// time and which duplicate survives cleanup, so it is kept exactly as the search code expects:
+// counts first, then input types, and a boxing variant at the place of its source.
+#include <builtin/variants/BuiltinVariant.hpp>
+
+#include <cstddef>
+#include <utility>
+
+#include <fl/diag.hpp>
+
+namespace Norvane::builtin {
+
+namespace {
+
+using types::ArgTypeDirection;
+using types::combine;
+using types::getOrroSupportLevel;
+
+constexpr const char* kSourcePath = "builtin2/interface/builtin/BuiltinVariant";
+
+template <class Flag>
+bool isSet(Flag flag) {
+    return flag != Flag::NO;
+}
+
+std::vector<std::string> typeExpressions(const std::vector<ArgType>& argTypes,
+                                         ArgTypeDirection direction) {
+    std::vector<std::string> expressions;
+    expressions.reserve(argTypes.size());
+    for (std::size_t i = 0; i < argTypes.size(); ++i) {
+        expressions.push_back(types::toString(argTypes[i], direction, i));
+    }
+    return expressions;
+}
+
+OrroSupportLevel foldSupportLevel(OrroSupportLevel level, const std::vector<ArgType>& argTypes,
+                                  ArgTypeDirection direction) {
+    for (const ArgType& type : argTypes) {
+        level = combine(level, getOrroSupportLevel(type, direction));
+    }
+    return level;
+}
+
+}  // namespace
+
+BuiltinVariant::BuiltinVariant() = default;
+
+BuiltinVariant::BuiltinVariant(void* const developerFcn, OrroFunctionDescriptor descriptor,
+                               std::vector<ArgType> inputs, std::vector<ArgType> outputs,
+                               CallsIntoKeldor callsIntoKeldor, HasWarnings hasWarnings,
+                               HasExceptions hasExceptions, HasSideEffects hasSideEffects,
+                               std::string cppName, std::string keldorName, std::string dominant,
+                               IsElementWise elementWise)
+    : functionDescriptor(descriptor),
+      developerFunction(developerFcn),
+      inputArgTypes(std::move(inputs)),
+      outputArgTypes(std::move(outputs)),
+      mayCallIntoKeldor(callsIntoKeldor),
+      mayRaiseWarnings(hasWarnings),
+      mayThrowErrors(hasExceptions),
+      mayHaveSideEffects(hasSideEffects),
+      cppFunctionName(std::move(cppName)),
+      keldorFunctionName(std::move(keldorName)),
+      dominantClass(std::move(dominant)),
+      orroSupportLevel(OrroSupportLevel::NO_SUPPORT),
+      isElementWise(elementWise) {
+    // A function that only warns reports through the environment as well, so it needs
+    // CanThrow as much as one that fails. A default implementation is never called that way.
+    const bool isDefaultImpl = functionDescriptor.typedEntry == nullptr;
+    const bool reports = isSet(mayThrowErrors) || isSet(mayRaiseWarnings);
+    const bool canThrowIsConsistent =
+        (functionDescriptor.callingConvention == JIT_CALLING_CONVENTION::CanThrow) == reports;
+    if (!(isDefaultImpl || canThrowIsConsistent) && fl_diag_terminate()) {
+        foundation::core::diag::terminate("isDefaultImpl || canThrowIsConsistent", kSourcePath,
+                                          __LINE__, __PRETTY_FUNCTION__);
+    }
+
+    inputTypes = typeExpressions(inputArgTypes, ArgTypeDirection::INPUT);
+    outputTypes = typeExpressions(outputArgTypes, ArgTypeDirection::OUTPUT);
+
+    OrroSupportLevel level = isSet(mayCallIntoKeldor) ? OrroSupportLevel::NO_SUPPORT
+                                                      : OrroSupportLevel::EQUIVALENT_SUPPORT;
+    level = foldSupportLevel(level, outputArgTypes, ArgTypeDirection::OUTPUT);
+    level = foldSupportLevel(level, inputArgTypes, ArgTypeDirection::INPUT);
+    // The engine runs lifted kernels without the guards an interpreted call has, so a kernel
+    // that reports, has effects or calls back is never offered to it.
+    if (isElementWise == IsElementWise::YES &&
+        (isSet(mayHaveSideEffects) || isSet(mayCallIntoKeldor) || isSet(mayRaiseWarnings) ||
+         isSet(mayThrowErrors))) {
+        level = combine(level, OrroSupportLevel::NO_SUPPORT);
+    }
+    orroSupportLevel = level;
+}
+
+BuiltinVariant::BuiltinVariant(const BuiltinVariant&) = default;
+BuiltinVariant::BuiltinVariant(BuiltinVariant&&) noexcept = default;
+BuiltinVariant& BuiltinVariant::operator=(const BuiltinVariant&) = default;
+BuiltinVariant& BuiltinVariant::operator=(BuiltinVariant&&) noexcept = default;
+BuiltinVariant::~BuiltinVariant() = default;
+
+bool BuiltinVariant::operator==(const BuiltinVariant& rhs) const {
+    if (this == &rhs) {
+        return true;
+    }
+    // The equality of ArgType is that of std::variant: same alternative, then the alternative's
+    // own ==, which for scalars, flags and arrays is equivalence under their order.
+    return inputArgTypes.size() == rhs.inputArgTypes.size() &&
+           outputArgTypes.size() == rhs.outputArgTypes.size() &&
+           inputArgTypes == rhs.inputArgTypes;
+}
+
+bool BuiltinVariant::operator<(const BuiltinVariant& rhs) const {
+    const BuiltinVariant& lhs = *this;
+    const bool sameOriginal = lhs.originalVariant && rhs.originalVariant &&
+                              *lhs.originalVariant == *rhs.originalVariant;
+    // A boxing variant stands in for its source, unless both share a source: then their own
+    // boxed signatures decide.
+    const BuiltinVariant& a = lhs.originalVariant && !sameOriginal ? *lhs.originalVariant : lhs;
+    const BuiltinVariant& b = rhs.originalVariant && !sameOriginal ? *rhs.originalVariant : rhs;
+
+    if (a.inputArgTypes.size() != b.inputArgTypes.size()) {
+        return a.inputArgTypes.size() < b.inputArgTypes.size();
+    }
+    if (a.outputArgTypes.size() != b.outputArgTypes.size()) {
+        return a.outputArgTypes.size() < b.outputArgTypes.size();
+    }
+    // The declared variant goes ahead of every boxing variant derived from it.
+    if (lhs.originalVariant && !rhs.originalVariant && rhs == *lhs.originalVariant) {
+        return false;
+    }
+    if (!lhs.originalVariant && rhs.originalVariant && lhs == *rhs.originalVariant) {
+        return true;
+    }
+    for (std::size_t i = 0; i < a.inputArgTypes.size(); ++i) {
+        if (a.inputArgTypes[i] != b.inputArgTypes[i]) {
+            return a.inputArgTypes[i] < b.inputArgTypes[i];
+        }
+    }
+    return false;
+}
+
+}  // namespace Norvane::builtin
