@@ -1,5 +1,5 @@
-// What a wrapper does before and around the native call: the flag, unknown conventions, a
-// missing native function, exact fetches, exceptions, and the fatal end of convention 3.
+// What a wrapper does around the native call: the flag, unknown conventions, a missing native
+// function, exact fetches, exceptions, and the fatal end of convention 3.
 #include "WrapperCheck.hpp"
 
 #include <boost/variant/get.hpp>
@@ -28,14 +28,6 @@ Parameter call(OrroFunctionDescriptor& descriptor, bool& pending, const Paramete
   return descriptor.typedEntry(&descriptor, &environment, pending, arguments);
 }
 
-TEST(OrroFunctionDescriptor, DefaultHasNoEntriesAndConventionCanThrow) {
-  const OrroFunctionDescriptor descriptor;
-  EXPECT_EQ(descriptor.typedEntry, nullptr);
-  EXPECT_EQ(descriptor.nativeEntry, nullptr);
-  EXPECT_EQ(descriptor.callingConvention, JIT_CALLING_CONVENTION::CanThrow);
-  EXPECT_EQ(sizeof(JIT_CALLING_CONVENTION), 4u);
-}
-
 // Neither case fetches: the arguments hold the wrong alternatives and no bad_get comes out.
 TEST(InlineCWrapper, UnknownConventionOrMissingNativeEntryCallsNothing) {
   struct Case {
@@ -45,7 +37,6 @@ TEST(InlineCWrapper, UnknownConventionOrMissingNativeEntryCallsNothing) {
   };
   const Case cases[] = {
       {"convention 4", convention(4), true},
-      {"convention 17", convention(17), true},
       {"convention 0xFFFFFFFF", convention(0xFFFF'FFFFu), true},
       {"null native, Direct", JIT_CALLING_CONVENTION::Direct, false},
       {"null native, DirectWithDescriptor", JIT_CALLING_CONVENTION::DirectWithDescriptor, false},
@@ -62,7 +53,6 @@ TEST(InlineCWrapper, UnknownConventionOrMissingNativeEntryCallsNothing) {
     const Parameter result = call(descriptor, pending, wrongAlternatives);
     EXPECT_EQ(lastNativeCall.count, 0);
     EXPECT_FALSE(pending);
-    EXPECT_EQ(result.which(), 0);
     EXPECT_EQ(result, Parameter());
   }
 }
@@ -78,12 +68,8 @@ TEST(InlineCWrapper, FetchDemandsTheExactAlternative) {
   Case cases[] = {
       {"float for double", descriptorFor<double, double>(Direct), {Parameter(2.5f)}},
       {"int for __int64", descriptorFor<void, std::int64_t>(Direct), {Parameter(3)}},
-      {"unsigned short for unsigned int", descriptorFor<int, unsigned int>(Direct),
-       {Parameter(static_cast<unsigned short>(3))}},
       {"string for array", descriptorFor<bool, kaArray_tag*>(Direct),
        {Parameter(sample<Norvane::String::String*>(0))}},
-      {"wrong first of two", descriptorFor<double, double, double>(Direct),
-       {Parameter(2.5f), Parameter(2.5)}},
       {"wrong second of two", descriptorFor<double, double, double>(Direct),
        {Parameter(2.5), Parameter(2.5f)}},
   };
@@ -126,21 +112,16 @@ TEST(InlineCWrapper, ExceptionsOfDirectFunctionsReachTheCallerWithTheFlagFalse) 
 
 using CallingConventionDeathTest = ::testing::Test;
 
-TEST_F(CallingConventionDeathTest, UnexpectedConventionStopsWithItsNumber) {
+TEST_F(CallingConventionDeathTest, UnexpectedConventionsAreFatal) {
   EXPECT_DEATH(terminateUnexpectedCallingConvention(convention(7)),
                "unexpected JIT_CALLING_CONVENTION encountered by builtin2 code: 7\n"
                "  at builtin2/interface/builtin/getFunctionDescriptor");
-  EXPECT_DEATH(terminateUnexpectedCallingConvention(convention(4294967295u)),
-               "builtin2 code: 4294967295\n");
   EXPECT_DEATH(terminateUnexpectedCallingConvention(JIT_CALLING_CONVENTION::CanThrowOrroInternal),
                "CanThrowOrroInternal should not be encountered by builtin2 code\n"
                "  at builtin2/interface/builtin/getFunctionDescriptor");
-}
-
-TEST_F(CallingConventionDeathTest, EngineConventionReachingAWrapperIsFatal) {
-  auto descriptor =
-      descriptorFor<double, double>(JIT_CALLING_CONVENTION::CanThrowOrroInternal);
-  descriptor.nativeEntry = nullptr;  // fatal before the native entry is looked at
+  // A wrapper reached with the engine's convention stops before it looks at the native entry.
+  auto descriptor = descriptorFor<double, double>(JIT_CALLING_CONVENTION::CanThrowOrroInternal);
+  descriptor.nativeEntry = nullptr;
   bool pending = true;
   EXPECT_DEATH(call(descriptor, pending, {Parameter(1.0)}),
                "CanThrowOrroInternal should not be encountered by builtin2 code");

@@ -17,14 +17,11 @@ TEST(WrapperSelector, PositionsPastTheEndGiveNull) {
     bool present;
   };
   const Case cases[] = {
-      {"() out 0", getExportedInlineCWrapperFcn(nullptr, 0), true},
       {"() out 16: void f()", getExportedInlineCWrapperFcn(nullptr, 16), true},
       {"() out 17", getExportedInlineCWrapperFcn(nullptr, 17), false},
-      {"(a) position 0", getExportedInlineCWrapperFcn(nullptr, 0, 0), true},
       {"(a) position 271", getExportedInlineCWrapperFcn(nullptr, 16, 15), true},
       {"(a) position 272", getExportedInlineCWrapperFcn(nullptr, 17, 0), false},
       {"(a) position 272 by in0", getExportedInlineCWrapperFcn(nullptr, 16, 16), false},
-      {"(a, b) position 0", getExportedInlineCWrapperFcn(nullptr, 0, 0, 0), true},
       {"(a, b) position 4351", getExportedInlineCWrapperFcn(nullptr, 16, 15, 15), true},
       {"(a, b) position 4352", getExportedInlineCWrapperFcn(nullptr, 17, 0, 0), false},
       {"(a, b) position 4352 by in1", getExportedInlineCWrapperFcn(nullptr, 16, 15, 16), false},
@@ -54,16 +51,6 @@ TEST(WrapperSelector, AllPositionsHoldDistinctWrappers) {
   EXPECT_EQ(count, 4641u);
   EXPECT_EQ(seen.size(), 4641u);
   EXPECT_EQ(seen.count(nullptr), 0u);
-}
-
-// Indices are not checked one by one: an index past its digit carries into the next one.
-TEST(WrapperSelector, AnInputIndexAboveFifteenLandsOnTheNeighbouringPosition) {
-  EXPECT_EQ(getExportedInlineCWrapperFcn(nullptr, 1, 16),
-            getExportedInlineCWrapperFcn(nullptr, 2, 0));
-  EXPECT_EQ(getExportedInlineCWrapperFcn(nullptr, 0, 0, 16),
-            getExportedInlineCWrapperFcn(nullptr, 0, 1, 0));
-  EXPECT_EQ(getExportedInlineCWrapperFcn(nullptr, 0, 15, 16),
-            getExportedInlineCWrapperFcn(nullptr, 1, 0, 0));
 }
 
 // Positions 271, 511/512, 4095/4096 and 4351 sit where the table is cut into parts; each holds

@@ -1,5 +1,5 @@
-// A process with a framework but no builtin service bundles: services come only from what the
-// tests register themselves, after the (empty) start.
+// A process with a framework but no builtin service bundles: the tests register services
+// themselves, after the (empty) start.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -49,17 +49,13 @@ TEST_F(EmptyFramework, AHolderFilledEmptyStaysEmpty) {
     // A holder first reached after its service came up does find it, and keeps it.
     const auto objects = registerDouble<IOrroObjectRegister>(std::make_shared<StubObjectRegister>());
     EXPECT_EQ(getHeldService<IOrroObjectRegister>(), objects);
-    EXPECT_EQ(&getHeldService<IOrroObjectRegister>(), &getHeldService<IOrroObjectRegister>());
 }
 
 TEST_F(EmptyFramework, UpstreamModulesAreVisitedInTheListedOrder) {
     registerModule("modA");
     registerModule("modB");
     registerModule("mod(x)*");
-    EXPECT_EQ(visit({}), Names{});
-    EXPECT_EQ(visit({"modB", "modA"}), (Names{"modB", "modA"}));
-    EXPECT_EQ(visit({"modA", "unknown", "modA"}), (Names{"modA", "modA"}));
-    EXPECT_EQ(visit({"unknown"}), Names{});
+    EXPECT_EQ(visit({"modB", "unknown", "modA", "modB"}), (Names{"modB", "modA", "modB"}));
     EXPECT_EQ(visit({"mod*"}), Names{});  // a name is no pattern
     EXPECT_EQ(visit({"mod(x)*"}), Names{"mod(x)*"});
 

@@ -24,7 +24,6 @@ TEST(NoFramework, LibraryPathsLieUnderTheInstallRoot) {
     ASSERT_EQ(setenv("KELDOR_INSTALL_ROOT", "/opt//keldor\\root/", 1), 0);
     const std::pair<std::u16string, std::u16string> cases[] = {
         {u"", u"/opt/keldor/root"},
-        {u"bin/linux64", u"/opt/keldor/root/bin/linux64"},
         {u"bin\\win64\\builtinservices", u"/opt/keldor/root/bin/win64/builtinservices"},
         {u"//lib//x.so", u"/opt/keldor/root/lib/x.so"},
     };

