@@ -20,8 +20,8 @@ const std::vector<ArgType>& candidates() {
         KeldorStringType(StringShape::SCALAR),
         OrroObjectPlaceTypes(classId(25), 3),
         OrroObjectTypes(classId(25), 3, true),
-        array(kaDOUBLE_CLASS, Shape::ROW, 1),  // A1: a full real double row
-        array(kaUNKNOWN_CLASS, Shape::TWO_D, 2, Density::UNKNOWN, Complexity::UNKNOWN),  // A2
+        array(kaDOUBLE_CLASS, Shape::ROW, 1),
+        array(kaUNKNOWN_CLASS, Shape::TWO_D, 2, Density::UNKNOWN, Complexity::UNKNOWN),
     };
     return values;
 }
@@ -34,25 +34,18 @@ struct MatrixRow {
 
 void expectMatrix(const std::vector<MatrixRow>& rows,
                   bool (*relation)(const ArgType&, const ArgType&)) {
-    const auto& columns = candidates();
     for (const auto& row : rows) {
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            SCOPED_TRACE(testing::Message() << row.what << " / column " << i << " " << columns[i]);
-            EXPECT_EQ(relation(row.type, columns[i]), row.expected[i] == '1');
+        for (std::size_t i = 0; i < candidates().size(); ++i) {
+            SCOPED_TRACE(testing::Message() << row.what << " / column " << i);
+            EXPECT_EQ(relation(row.type, candidates()[i]), row.expected[i] == '1');
         }
     }
-}
-
-// The most permissive declared array: relaxed, and open in every property.
-KaArrayTypes openRelaxed() {
-    return array(kaUNKNOWN_CLASS, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN,
-                 RELAXED_);
 }
 
 TEST(ArgTypeTest, AcceptanceMatrix) {
     expectMatrix(
         {
-            // Columns: U F N S P O A1 A2, as candidates() lists them.
+            // Columns: U F N S P O A1 A2.
             {"unsupported", UnsupportedArgType(), "10000000"},
             {"flag on", FlagInputType(std::string("on")), "01000000"},
             {"flag off", FlagInputType(std::string("off")), "00000000"},
@@ -65,7 +58,7 @@ TEST(ArgTypeTest, AcceptanceMatrix) {
             {"open object", OrroObjectTypes(), "01010100"},
             {"object of 19", OrroObjectTypes(classId(19), SIZE_MAX, false), "01010000"},
             {"other object", OrroObjectTypes(classId(26), 0, true), "00000000"},
-            {"open relaxed array", openRelaxed(), "11111111"},
+            {"open relaxed array", openArray(kaUNKNOWN_CLASS, RELAXED_), "11111111"},
             {"strict double row", array(kaDOUBLE_CLASS, Shape::ROW, 1), "00000010"},
             {"relaxed double row", relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1)), "00100010"},
             // A strict array takes no scalar, even one it would take as a 1-by-1 array.
@@ -81,7 +74,7 @@ TEST(ArgTypeTest, AcceptanceMatrix) {
 TEST(ArgTypeTest, CompatibilityMatrix) {
     expectMatrix(
         {
-            // Columns: U F N S P O A1 A2, as candidates() lists them.
+            // Columns: U F N S P O A1 A2.
             {"unsupported", UnsupportedArgType(), "10000001"},
             {"flag on", FlagInputType(std::string("on")), "01000000"},
             {"flag off", FlagInputType(std::string("off")), "00000000"},
@@ -97,10 +90,8 @@ TEST(ArgTypeTest, CompatibilityMatrix) {
             {"open array",
              array(kaUNKNOWN_CLASS, Shape::SCALAR, 0, Density::UNKNOWN, Complexity::UNKNOWN),
              "10000001"},
-            {"array of class 25",
-             array(classId(25), Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN),
-             "00001100"},
-            {"open relaxed array", openRelaxed(), "10000001"},
+            {"array of class 25", openArray(classId(25)), "00001100"},
+            {"open relaxed array", openArray(kaUNKNOWN_CLASS, RELAXED_), "10000001"},
         },
         &isCompatible);
 }
@@ -109,32 +100,28 @@ TEST(ArgTypeTest, CompatibilityMatrix) {
 // an object with a string, never the other way round.
 TEST(ArgTypeTest, CompatibilityIsSymmetricButForFlagsAndStrings) {
     std::vector<ArgType> values = candidates();
-    values.push_back(KeldorStringType(StringShape::ANY));
-    values.push_back(OrroObjectTypes());
-    values.push_back(OrroObjectPlaceTypes());
-    values.push_back(
-        array(classId(25), Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN));
-    values.push_back(openRelaxed());
+    for (const ArgType& more : {ArgType(KeldorStringType()), ArgType(OrroObjectTypes()),
+                                ArgType(OrroObjectPlaceTypes()), ArgType(openArray(classId(25))),
+                                ArgType(openArray(kaUNKNOWN_CLASS, RELAXED_))}) {
+        values.push_back(more);
+    }
+    const auto is = [](const ArgType& t, std::size_t index) { return t.index() == index; };
+    const std::size_t string = ArgType(KeldorStringType()).index();
+    const std::size_t object = ArgType(OrroObjectTypes()).index();
+    const std::size_t arrays = ArgType(KaArrayTypes()).index();
     for (const auto& a : values) {
         for (const auto& b : values) {
             SCOPED_TRACE(testing::Message() << a << " / " << b);
-            const bool objectAndString = (std::holds_alternative<OrroObjectTypes>(a) &&
-                                          std::holds_alternative<KeldorStringType>(b)) ||
-                                         (std::holds_alternative<KeldorStringType>(a) &&
-                                          std::holds_alternative<OrroObjectTypes>(b));
+            const bool objectAndString =
+                (is(a, object) && is(b, string)) || (is(a, string) && is(b, object));
             if (!skipDuringInvoke(a) && !skipDuringInvoke(b) && !objectAndString) {
                 EXPECT_EQ(isCompatible(a, b), isCompatible(b, a));
             }
-            // A string goes with nothing but strings, flags and arrays.
-            if (std::holds_alternative<KeldorStringType>(a) && !skipDuringInvoke(b) &&
-                !std::holds_alternative<KeldorStringType>(b) &&
-                !std::holds_alternative<KaArrayTypes>(b)) {
+            if (is(a, string) && !skipDuringInvoke(b) && !is(b, string) && !is(b, arrays)) {
                 EXPECT_FALSE(isCompatible(a, b));
             }
-            // A flag and an array are never compatible, in either order.
-            if (skipDuringInvoke(a) && std::holds_alternative<KaArrayTypes>(b)) {
-                EXPECT_FALSE(isCompatible(a, b));
-                EXPECT_FALSE(isCompatible(b, a));
+            if (skipDuringInvoke(a) && is(b, arrays)) {
+                EXPECT_FALSE(isCompatible(a, b) || isCompatible(b, a));
             }
         }
     }
@@ -148,13 +135,12 @@ TEST(ArgTypeTest, AcceptableToOrroNeedsTheSameAlternative) {
     } cases[] = {
         {"string takes flag", KeldorStringType(), FlagInputType(std::string("x")), true, false},
         {"object takes string", OrroObjectTypes(), KeldorStringType(), true, false},
-        {"relaxed array takes scalar", openRelaxed(), realScalar(kaINT8_CLASS), true, false},
-        {"relaxed array takes array", openRelaxed(), array(kaINT8_CLASS, Shape::ROW, 1), true,
-         true},
+        {"relaxed array takes scalar", openArray(kaUNKNOWN_CLASS, RELAXED_),
+         realScalar(kaINT8_CLASS), true, false},
+        {"relaxed array takes array", openArray(kaUNKNOWN_CLASS, RELAXED_),
+         array(kaINT8_CLASS, Shape::ROW, 1), true, true},
         {"strict array refuses array", array(kaINT8_CLASS, Shape::COLUMN, 1),
          array(kaINT8_CLASS, Shape::ROW, 1), false, false},
-        {"open object", OrroObjectTypes(), OrroObjectTypes(classId(30), 1, true), true, true},
-        {"unsupported", UnsupportedArgType(), UnsupportedArgType(), true, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -164,7 +150,6 @@ TEST(ArgTypeTest, AcceptableToOrroNeedsTheSameAlternative) {
 }
 
 TEST(ArgTypeTest, SupportLevelsPerAlternative) {
-    using L = OrroSupportLevel;
     const struct {
         ArgType type;
         L input, output;
@@ -179,6 +164,10 @@ TEST(ArgTypeTest, SupportLevelsPerAlternative) {
         {OrroObjectTypes(classId(25), 1, true), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
         {array(kaDOUBLE_CLASS, Shape::SCALAR, 0), L::NO_SUPPORT, L::EQUIVALENT_SUPPORT},
         {array(kaDOUBLE_CLASS, Shape::ROW, 1), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {array(kaINT8_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::COMPLEX), L::NO_SUPPORT,
+         L::EQUIVALENT_SUPPORT},
+        {array(kaCELL_CLASS, Shape::SCALAR, 0), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
+        {openArray(), L::EQUIVALENT_SUPPORT, L::EQUIVALENT_SUPPORT},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.type);
@@ -188,68 +177,45 @@ TEST(ArgTypeTest, SupportLevelsPerAlternative) {
 }
 
 TEST(ArgTypeTest, GreaterPrecedenceTypes) {
-    const KaArrayTypes row = relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1));
-    const struct {
-        const char* what;
-        ArgType type;
-        std::vector<ArgType> expected;
-    } cases[] = {
-        {"unsupported", UnsupportedArgType(), {}},
-        {"flag", FlagInputType(std::string("x")), {}},
-        {"scalar", realScalar(kaDOUBLE_CLASS), {}},
-        {"string scalar", KeldorStringType(StringShape::SCALAR), {}},
-        {"string any", KeldorStringType(StringShape::ANY), {KeldorStringType(StringShape::ANY)}},
-        {"place", OrroObjectPlaceTypes(), {}},
-        {"object", OrroObjectTypes(), {}},
-        {"strict array", array(kaDOUBLE_CLASS, Shape::ROW, 1), {}},
-        // Arrays go into the array alternative, scalars into the scalar one, in the same order.
-        {"relaxed row",
-         row,
-         {relaxed(array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0)), realScalar(kaDOUBLE_CLASS)}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(getGreaterPrecedenceTypes(c.type), c.expected);
+    for (std::size_t i = 0; i < candidates().size(); ++i) {
+        EXPECT_TRUE(getGreaterPrecedenceTypes(candidates()[i]).empty()) << i;
     }
+    const ArgType any = KeldorStringType(StringShape::ANY);
+    EXPECT_EQ(getGreaterPrecedenceTypes(any), std::vector<ArgType>{any});
+    // Arrays go into the array alternative, scalars into the scalar one, in the same order.
+    const std::vector<ArgType> expected = {relaxed(array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0)),
+                                           realScalar(kaDOUBLE_CLASS)};
+    EXPECT_EQ(getGreaterPrecedenceTypes(relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1))), expected);
 }
 
 TEST(ArgTypeTest, ElementWiseArrayTypes) {
-    const ArgType anyShapeComplexDouble = array(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM,
-                                                Density::FULL, Complexity::COMPLEX, RELAXED_);
     const ArgType anyShapeInt8 = array(kaINT8_CLASS, Shape::UNKNOWN, ANY_DIM, Density::FULL,
                                        Complexity::NOT_COMPLEX, RELAXED_);
-    const struct {
-        const char* what;
-        ArgType type;
-        ArgType expected;
-    } cases[] = {
-        {"complex double scalar", complexScalar(kaDOUBLE_CLASS), anyShapeComplexDouble},
-        {"real int8 scalar", realScalar(kaINT8_CLASS), anyShapeInt8},
-        {"strict int8 row", array(kaINT8_CLASS, Shape::ROW, 1), anyShapeInt8},
-        {"relaxed int8 ND", relaxed(array(kaINT8_CLASS, Shape::ND, 3)), anyShapeInt8},
-        // Everything else comes back unchanged.
-        {"scalar of no numeric class", realScalar(kaVOID_CLASS), realScalar(kaVOID_CLASS)},
-        {"sparse", array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE),
-         array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE)},
-        {"open complexity",
-         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN),
-         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN)},
-        {"cell", array(kaCELL_CLASS, Shape::ROW, 1), array(kaCELL_CLASS, Shape::ROW, 1)},
-        {"flag", FlagInputType(std::string("x")), FlagInputType(std::string("x"))},
-        {"string", KeldorStringType(StringShape::SCALAR), KeldorStringType(StringShape::SCALAR)},
-        {"object", OrroObjectTypes(classId(25), 3, false), OrroObjectTypes(classId(25), 3, false)},
-        {"place", OrroObjectPlaceTypes(classId(25), 3), OrroObjectPlaceTypes(classId(25), 3)},
-        {"unsupported", UnsupportedArgType(), UnsupportedArgType()},
+    const std::pair<ArgType, ArgType> converted[] = {
+        {complexScalar(kaDOUBLE_CLASS), array(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM,
+                                              Density::FULL, Complexity::COMPLEX, RELAXED_)},
+        {realScalar(kaINT8_CLASS), anyShapeInt8},
+        {array(kaINT8_CLASS, Shape::ROW, 1), anyShapeInt8},
+        {relaxed(array(kaINT8_CLASS, Shape::ND, 3)), anyShapeInt8},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        const ArgType result = asElementWiseArrayType(c.type);
-        ASSERT_EQ(result.index(), c.expected.index());
-        EXPECT_EQ(result, c.expected);
-        if (const auto* arrayResult = std::get_if<KaArrayTypes>(&result)) {
-            // Array equality compares every field, tolerance and dim included.
-            EXPECT_EQ(arrayResult->hash(), std::get<KaArrayTypes>(c.expected).hash());
-        }
+    for (const auto& [type, expected] : converted) {
+        SCOPED_TRACE(testing::Message() << type);
+        EXPECT_EQ(asElementWiseArrayType(type), expected);
+        // Array equality compares every field, tolerance and dim included.
+        EXPECT_EQ(std::get<KaArrayTypes>(asElementWiseArrayType(type)).hash(),
+                  std::get<KaArrayTypes>(expected).hash());
+    }
+    const ArgType unchanged[] = {
+        realScalar(kaVOID_CLASS),
+        array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE),
+        array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN),
+        array(kaCELL_CLASS, Shape::ROW, 1),
+        FlagInputType(std::string("x")),
+        KeldorStringType(StringShape::SCALAR),
+        OrroObjectTypes(classId(25), 3, false),
+    };
+    for (const auto& type : unchanged) {
+        EXPECT_EQ(asElementWiseArrayType(type), type) << type;
     }
 }
 
@@ -268,12 +234,12 @@ TEST(ArgTypeTest, SkipAndTolerance) {
     }
 }
 
-// The dispatch of the printed forms: which member each alternative uses, with which arguments.
+// Which member each alternative's printed forms use, with which arguments.
 TEST(ArgTypeTest, TypeExpressionsAndStreamFormOfEachAlternative) {
     const struct {
         ArgType type;
-        const char* input;   // index 4
-        const char* output;  // index 4
+        const char* input;  // index 4
+        const char* output;
         const char* stream;
     } cases[] = {
         {UnsupportedArgType(), "", "", ""},
@@ -313,18 +279,14 @@ TEST(ArgTypeTest, OrderIsByAlternativeFirst) {
         OrroObjectTypes(classId(19), 0, true),
         OrroObjectTypes(classId(19), 1, true),
         array(classId(-1), Shape::SCALAR, 0),
-        array(kaDOUBLE_CLASS, Shape::SCALAR, 0),
         array(kaUNKNOWN_CLASS, Shape::SCALAR, 0),
         relaxed(array(kaDOUBLE_CLASS, Shape::SCALAR, 0)),
     };
     for (std::size_t i = 0; i + 1 < ascending.size(); ++i) {
-        SCOPED_TRACE(i);
-        EXPECT_LT(ascending[i], ascending[i + 1]);
-        EXPECT_FALSE(ascending[i + 1] < ascending[i]);
-        EXPECT_NE(ascending[i], ascending[i + 1]);
+        EXPECT_LT(ascending[i], ascending[i + 1]) << i;
+        EXPECT_FALSE(ascending[i + 1] < ascending[i]) << i;
     }
     EXPECT_EQ(ArgType(), ArgType(UnsupportedArgType()));
-    EXPECT_FALSE(ArgType() < ArgType());
 }
 
 TEST(ArgTypeTest, ValuelessTypesThrowBadVariantAccess) {
@@ -332,29 +294,19 @@ TEST(ArgTypeTest, ValuelessTypesThrowBadVariantAccess) {
     // A flag whose UTF-8 cannot be converted fails after the old value has gone.
     EXPECT_ANY_THROW(valueless.emplace<FlagInputType>(std::string("\xff\xfe")));
     ASSERT_TRUE(valueless.valueless_by_exception());
-
-    const ArgType fine = UnsupportedArgType();
-    const auto expectThrows = [](const char* what, auto&& call) {
-        SCOPED_TRACE(what);
-        try {
-            call();
-            ADD_FAILURE() << "no exception";
-        } catch (const std::bad_variant_access& error) {
-            EXPECT_STREQ(error.what(), "bad variant access");
-        }
-    };
-    expectThrows("toString", [&] { toString(valueless, IN, 0); });
-    expectThrows("isAcceptable declared", [&] { isAcceptable(valueless, fine); });
-    expectThrows("isAcceptable candidate", [&] { isAcceptable(fine, valueless); });
-    expectThrows("isAcceptableToOrro", [&] { isAcceptableToOrro(fine, valueless); });
-    expectThrows("isCompatible", [&] { isCompatible(valueless, fine); });
-    expectThrows("getOrroSupportLevel", [&] { getOrroSupportLevel(valueless, OUT); });
-    expectThrows("getGreaterPrecedenceTypes", [&] { getGreaterPrecedenceTypes(valueless); });
-    expectThrows("asElementWiseArrayType", [&] { asElementWiseArrayType(valueless); });
-    expectThrows("stream", [&] {
-        std::ostringstream os;
-        os << valueless;
-    });
+    try {
+        toString(valueless, IN, 0);
+        ADD_FAILURE() << "no exception";
+    } catch (const std::bad_variant_access& error) {
+        EXPECT_STREQ(error.what(), "bad variant access");
+    }
+    std::ostringstream os;
+    EXPECT_THROW(os << valueless, std::bad_variant_access);
+    EXPECT_THROW(isAcceptable(UnsupportedArgType(), valueless), std::bad_variant_access);
+    EXPECT_THROW(isCompatible(valueless, UnsupportedArgType()), std::bad_variant_access);
+    EXPECT_THROW(getOrroSupportLevel(valueless, OUT), std::bad_variant_access);
+    EXPECT_THROW(getGreaterPrecedenceTypes(valueless), std::bad_variant_access);
+    EXPECT_THROW(asElementWiseArrayType(valueless), std::bad_variant_access);
     EXPECT_FALSE(skipDuringInvoke(valueless));
 }
 

@@ -10,80 +10,48 @@
 
 #include <builtin/types/StringClassId.hpp>
 
-#include "OrderChecks.hpp"
 #include "TypeTestSupport.hpp"
 
 namespace typestest {
 namespace {
 
-// Construction -------------------------------------------------------------------------------
-
 TEST(KaArrayTypesTest, DerivesTheDimensionCountFromTheShape) {
-    const struct {
-        Shape shape;
-        std::size_t dim;
-    } derived[] = {{Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}, {Shape::EMPTY, 0},
-                   {Shape::SCALAR, 0},    {Shape::ROW, 1},       {Shape::COLUMN, 1},
-                   {Shape::VECTOR, 1},    {Shape::TWO_D, 2}};
-    for (const auto& c : derived) {
-        SCOPED_TRACE(static_cast<int>(c.shape));
-        const KaArrayTypes type(kaDOUBLE_CLASS, c.shape, Density::FULL, Complexity::NOT_COMPLEX);
-        EXPECT_EQ(type.getShape(), std::make_pair(c.shape, c.dim));
-        EXPECT_EQ(type.getSignatureTolerance(), STRICT_);
+    const std::pair<Shape, std::size_t> derived[] = {
+        {Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}, {Shape::EMPTY, 0}, {Shape::SCALAR, 0},
+        {Shape::ROW, 1},       {Shape::COLUMN, 1},    {Shape::VECTOR, 1}, {Shape::TWO_D, 2}};
+    for (const auto& expected : derived) {
+        SCOPED_TRACE(static_cast<int>(expected.first));
+        EXPECT_EQ(KaArrayTypes(kaDOUBLE_CLASS, expected.first, Density::FULL,
+                               Complexity::NOT_COMPLEX)
+                      .getShape(),
+                  expected);
         KaArrayTypes reshaped;
-        reshaped.setShape(c.shape);
-        EXPECT_EQ(reshaped.getShape(), std::make_pair(c.shape, c.dim));
+        reshaped.setShape(expected.first);
+        EXPECT_EQ(reshaped.getShape(), expected);
     }
-    for (const Shape shape :
-         {Shape::UNKNOWN, Shape::ND, static_cast<Shape>(10), static_cast<Shape>(-1)}) {
+    for (const Shape shape : {Shape::UNKNOWN, Shape::ND, static_cast<Shape>(10)}) {
         SCOPED_TRACE(static_cast<int>(shape));
         try {
-            KaArrayTypes(kaDOUBLE_CLASS, shape, Density::FULL, Complexity::NOT_COMPLEX);
+            KaArrayTypes(kaDOUBLE_ARRAY, shape, Density::FULL, Complexity::NOT_COMPLEX);
             ADD_FAILURE() << "no exception";
         } catch (const std::invalid_argument& error) {
             EXPECT_STREQ(error.what(), "cannot convert Shape to numeric dimension");
         }
-        EXPECT_THROW(KaArrayTypes(kaDOUBLE_ARRAY, shape, Density::FULL, Complexity::NOT_COMPLEX),
-                     std::invalid_argument);
         KaArrayTypes unchanged = array(kaDOUBLE_CLASS, Shape::ROW, 1);
         EXPECT_THROW(unchanged.setShape(shape), std::invalid_argument);
         EXPECT_EQ(unchanged.getShape(), std::make_pair(Shape::ROW, std::size_t{1}));
     }
-    EXPECT_EQ(KaArrayTypes(kaDOUBLE_CLASS, Shape::ND, Density::FULL, Complexity::NOT_COMPLEX, 3)
-                  .getShape(),
-              std::make_pair(Shape::ND, std::size_t{3}));
 }
 
 TEST(KaArrayTypesTest, ConstructorsFromTheOtherAlternatives) {
-    const KaArrayTypes defaulted;
-    EXPECT_EQ(defaulted, array(kaUNKNOWN_CLASS, Shape::SCALAR, 0));
-
-    // A kaArrayType is stored as its number.
+    EXPECT_EQ(KaArrayTypes(), array(kaUNKNOWN_CLASS, Shape::SCALAR, 0));
     EXPECT_EQ(KaArrayTypes(kaINT16_ARRAY, Shape::ROW, Density::FULL, Complexity::COMPLEX),
               array(kaINT16_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX));
-    EXPECT_EQ(KaArrayTypes(static_cast<kaArrayType>(30), Shape::ND, Density::SPARSE,
-                           Complexity::UNKNOWN, 5)
-                  .getElement(),
-              classId(30));
-
-    EXPECT_EQ(KaArrayTypes(realScalar(kaINT8_CLASS)), array(kaINT8_CLASS, Shape::SCALAR, 0));
     EXPECT_EQ(KaArrayTypes(complexScalar(kaSINGLE_CLASS)),
               array(kaSINGLE_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::COMPLEX));
-
-    const auto open = [](kaClassID element) {
-        return array(element, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN);
-    };
-    EXPECT_EQ(KaArrayTypes(UnsupportedArgType()), open(kaUNKNOWN_CLASS));
-    EXPECT_EQ(KaArrayTypes(OrroObjectTypes(classId(25), 3, true)), open(classId(25)));
-    EXPECT_EQ(KaArrayTypes(OrroObjectPlaceTypes(classId(26), 1)), open(classId(26)));
-
-    // Strings and flags take the class id that the running system gives strings.
-    const kaClassID stringClass = KeldorStringType::getZobjClassId();
-    EXPECT_EQ(KaArrayTypes(KeldorStringType()), open(stringClass));
-    EXPECT_EQ(KaArrayTypes(KeldorStringType(StringShape::SCALAR)),
-              array(stringClass, Shape::SCALAR, 0));
-    EXPECT_EQ(KaArrayTypes(FlagInputType(std::u16string(u"on"))),
-              array(stringClass, Shape::SCALAR, 0));
+    EXPECT_EQ(KaArrayTypes(UnsupportedArgType()), openArray());
+    EXPECT_EQ(KaArrayTypes(OrroObjectTypes(classId(25), 3, true)), openArray(classId(25)));
+    EXPECT_EQ(KaArrayTypes(OrroObjectPlaceTypes(classId(26), 1)), openArray(classId(26)));
 }
 
 TEST(KaArrayTypesTest, AsScalar) {
@@ -95,12 +63,8 @@ TEST(KaArrayTypesTest, AsScalar) {
         {array(kaDOUBLE_CLASS, Shape::TWO_D, 2), true, ScalarComplexity::REAL},
         {array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX), true,
          ScalarComplexity::COMPLEX},
-        {array(kaINT8_CLASS, Shape::UNKNOWN, ANY_DIM), true, ScalarComplexity::REAL},
         {array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE), false, {}},
-        {array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::UNKNOWN), false, {}},
         {array(kaDOUBLE_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::UNKNOWN), false, {}},
-        {array(kaCELL_CLASS, Shape::SCALAR, 0), false, {}},
-        {array(kaVOID_CLASS, Shape::SCALAR, 0), false, {}},
         {array(kaUNKNOWN_CLASS, Shape::SCALAR, 0), false, {}},
     };
     for (const auto& c : cases) {
@@ -113,66 +77,50 @@ TEST(KaArrayTypesTest, AsScalar) {
     }
 }
 
-// Order and hash -----------------------------------------------------------------------------
-
 TEST(KaArrayTypesTest, OrderPutsOpenValuesLast) {
+    const auto d = [](kaClassID e, Shape shape, std::size_t dim, Density density = Density::FULL,
+                      Complexity complexity = Complexity::COMPLEX) {
+        return array(e, shape, dim, density, complexity);
+    };
     const struct {
         const char* what;
         KaArrayTypes lower, higher;
     } cases[] = {
-        {"tolerance first", array(kaUNKNOWN_CLASS, Shape::UNKNOWN, ANY_DIM),
-         relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1))},
-        {"element, lower first", array(kaDOUBLE_CLASS, Shape::TWO_D, 2),
-         array(kaSINGLE_CLASS, Shape::SCALAR, 0)},
-        {"element, open last", array(kaUINT64_CLASS, Shape::ROW, 1),
-         array(kaUNKNOWN_CLASS, Shape::SCALAR, 0)},
-        {"element, signed", array(classId(-1), Shape::ROW, 1), array(kaCELL_CLASS, Shape::ROW, 1)},
-        {"element, negative before open", array(classId(-1), Shape::ROW, 1),
-         array(kaUNKNOWN_CLASS, Shape::ROW, 1)},
-        {"density before complexity",
-         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX),
-         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE, Complexity::NOT_COMPLEX)},
-        {"density, open last", array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE),
-         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::UNKNOWN)},
-        {"complexity, open last",
-         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX),
-         array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN)},
-        {"dim before shape", array(kaDOUBLE_CLASS, Shape::SCALAR, 0),
-         array(kaDOUBLE_CLASS, Shape::ROW, 1)},
-        {"dim unsigned", array(kaDOUBLE_CLASS, Shape::ND, 4),
-         array(kaDOUBLE_CLASS, Shape::ND, ANY_DIM)},
-        {"shape", array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0),
-         array(kaDOUBLE_CLASS, Shape::SCALAR, 0)},
-        {"shape, open last", array(kaDOUBLE_CLASS, Shape::ND, ANY_DIM),
-         array(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM)},
+        {"tolerance first", openArray(), relaxed(d(kaDOUBLE_CLASS, Shape::ROW, 1))},
+        {"element", d(kaDOUBLE_CLASS, Shape::TWO_D, 2), d(kaSINGLE_CLASS, Shape::SCALAR, 0)},
+        {"element, open last", d(kaUINT64_CLASS, Shape::ROW, 1), d(kaUNKNOWN_CLASS, Shape::SCALAR, 0)},
+        {"element, signed", d(classId(-1), Shape::ROW, 1), d(kaCELL_CLASS, Shape::ROW, 1)},
+        {"density before complexity", d(kaDOUBLE_CLASS, Shape::ROW, 1),
+         d(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE, Complexity::NOT_COMPLEX)},
+        {"density, open last", d(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE),
+         d(kaDOUBLE_CLASS, Shape::ROW, 1, Density::UNKNOWN)},
+        {"complexity, open last", d(kaDOUBLE_CLASS, Shape::ROW, 1),
+         d(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN)},
+        {"dim before shape", d(kaDOUBLE_CLASS, Shape::SCALAR, 0), d(kaDOUBLE_CLASS, Shape::ROW, 1)},
+        {"dim unsigned", d(kaDOUBLE_CLASS, Shape::ND, 4), d(kaDOUBLE_CLASS, Shape::ND, ANY_DIM)},
+        {"shape", d(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0), d(kaDOUBLE_CLASS, Shape::SCALAR, 0)},
+        {"shape, open last", d(kaDOUBLE_CLASS, Shape::ND, ANY_DIM),
+         d(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM)},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         EXPECT_TRUE(c.lower < c.higher);
         EXPECT_FALSE(c.higher < c.lower);
-        EXPECT_TRUE(c.higher > c.lower);
         EXPECT_NE(c.lower, c.higher);
     }
-    EXPECT_EQ(array(kaDOUBLE_CLASS, Shape::ROW, 1), array(kaDOUBLE_CLASS, Shape::ROW, 1));
-    EXPECT_LE(array(kaDOUBLE_CLASS, Shape::ROW, 1), array(kaDOUBLE_CLASS, Shape::ROW, 1));
 }
 
 TEST(KaArrayTypesTest, OrderIsAStrictWeakOrder) {
+    // Each key takes its open value, a negative or low value and a higher one: 216 values.
     std::vector<KaArrayTypes> values;
-    // Each key takes its open value, a negative or low value and a higher one.
-    for (const std::int32_t element : {0, 6, -2}) {
-        for (const Shape shape : {Shape::UNKNOWN, Shape::SCALAR, Shape::ND}) {
-            for (const Density density : {Density::UNKNOWN, Density::SPARSE}) {
-                for (const Complexity complexity : {Complexity::UNKNOWN, Complexity::COMPLEX}) {
-                    for (const std::size_t dim : {std::size_t{0}, std::size_t{3}, ANY_DIM}) {
-                        for (const auto tolerance : {STRICT_, RELAXED_}) {
-                            values.push_back(array(classId(element), shape, dim, density,
-                                                   complexity, tolerance));
-                        }
-                    }
-                }
-            }
-        }
+    for (int i = 0; i < 216; ++i) {
+        const std::int32_t elements[] = {0, 6, -2};
+        const Shape shapes[] = {Shape::UNKNOWN, Shape::SCALAR, Shape::ND};
+        const std::size_t dims[] = {0, 3, ANY_DIM};
+        values.push_back(array(classId(elements[i % 3]), shapes[i / 3 % 3], dims[i / 9 % 3],
+                               i / 27 % 2 ? Density::UNKNOWN : Density::SPARSE,
+                               i / 54 % 2 ? Complexity::UNKNOWN : Complexity::COMPLEX,
+                               i / 108 % 2 ? STRICT_ : RELAXED_));
     }
     expectStrictWeakOrder(values);
 }
@@ -180,12 +128,9 @@ TEST(KaArrayTypesTest, OrderIsAStrictWeakOrder) {
 TEST(KaArrayTypesTest, HashMixesTheFieldsInOrder) {
     const KaArrayTypes row = array(kaDOUBLE_CLASS, Shape::ROW, 1);
     EXPECT_EQ(row.hash(), 0xec79d0908eacc044ULL);
-    const KaArrayTypes cases[] = {
-        row,
-        array(classId(-3), Shape::ND, ANY_DIM, Density::SPARSE, Complexity::COMPLEX, RELAXED_),
-        KaArrayTypes(UnsupportedArgType()),
-    };
-    for (const auto& type : cases) {
+    for (const KaArrayTypes& type :
+         {row, array(classId(-3), Shape::ND, ANY_DIM, Density::SPARSE, Complexity::COMPLEX,
+                     RELAXED_)}) {
         SCOPED_TRACE(testing::Message() << type);
         std::uint64_t seed = 0;
         seed = mixStep(seed, widened(type.element));
@@ -196,34 +141,24 @@ TEST(KaArrayTypesTest, HashMixesTheFieldsInOrder) {
         seed = mixStep(seed, widened(static_cast<std::int32_t>(type.tolerance)));
         EXPECT_EQ(type.hash(), seed);
     }
-    EXPECT_NE(row.hash(), relaxed(row).hash());
 }
 
-// Acceptance ---------------------------------------------------------------------------------
-
-// The candidates of the lattice, one of each shape with its usual dimension count.
-const std::vector<KaArrayTypes>& latticeCandidates() {
-    static const std::vector<KaArrayTypes> candidates = {
+TEST(KaArrayTypesTest, ShapeLatticeRowByRow) {
+    const KaArrayTypes candidates[] = {
         array(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM), array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0),
         array(kaDOUBLE_CLASS, Shape::EMPTY_COL, 0),     array(kaDOUBLE_CLASS, Shape::EMPTY, 0),
         array(kaDOUBLE_CLASS, Shape::SCALAR, 0),        array(kaDOUBLE_CLASS, Shape::ROW, 1),
         array(kaDOUBLE_CLASS, Shape::COLUMN, 1),        array(kaDOUBLE_CLASS, Shape::VECTOR, 1),
         array(kaDOUBLE_CLASS, Shape::TWO_D, 2),         array(kaDOUBLE_CLASS, Shape::ND, 3),
     };
-    return candidates;
-}
-
-struct LatticeRow {
-    const char* what;
-    Shape shape;
-    std::size_t dim;
-    // One character for each candidate: U ER EC E S R C V 2 N3.
-    const char* relaxedTakes;
-    const char* strictTakes;
-};
-
-TEST(KaArrayTypesTest, ShapeLatticeRowByRow) {
-    const LatticeRow rows[] = {
+    const struct {
+        const char* what;
+        Shape shape;
+        std::size_t dim;
+        // One character for each candidate: U ER EC E S R C V 2 N3.
+        const char* relaxedTakes;
+        const char* strictTakes;
+    } rows[] = {
         {"UNKNOWN", Shape::UNKNOWN, ANY_DIM, "1111111111", "1000000000"},
         {"EMPTY_ROW", Shape::EMPTY_ROW, 0, "0100000000", "0100000000"},
         {"EMPTY_COL", Shape::EMPTY_COL, 0, "0010000000", "0010000000"},
@@ -239,16 +174,15 @@ TEST(KaArrayTypesTest, ShapeLatticeRowByRow) {
         {"ND any", Shape::ND, ANY_DIM, "1111111111", "0000000000"},
         {"outside the enum", static_cast<Shape>(42), 0, "0000000000", "0000000000"},
     };
-    const auto& candidates = latticeCandidates();
     for (const auto& row : rows) {
         const KaArrayTypes strict = array(kaDOUBLE_CLASS, row.shape, row.dim);
-        for (std::size_t i = 0; i < candidates.size(); ++i) {
+        for (std::size_t i = 0; i < std::size(candidates); ++i) {
             SCOPED_TRACE(testing::Message() << row.what << " takes " << candidates[i]);
             EXPECT_EQ(relaxed(strict).isAcceptable(candidates[i]), row.relaxedTakes[i] == '1');
             EXPECT_EQ(strict.isAcceptable(candidates[i]), row.strictTakes[i] == '1');
         }
     }
-    // Dimension counts beyond the usual ones: an ND of 3 takes nothing above 3 dimensions.
+    // Dimension counts beyond the usual ones.
     const KaArrayTypes nd3 = relaxed(array(kaDOUBLE_CLASS, Shape::ND, 3));
     EXPECT_FALSE(nd3.isAcceptable(array(kaDOUBLE_CLASS, Shape::ND, 4)));
     EXPECT_TRUE(nd3.isAcceptable(array(kaDOUBLE_CLASS, Shape::EMPTY, 3)));
@@ -273,7 +207,6 @@ TEST(KaArrayTypesTest, ElementComplexityAndDensityBeforeTheShape) {
         {"other complexity", kaINT32_CLASS, Density::SPARSE, Complexity::NOT_COMPLEX, false, false},
         {"open density", kaINT32_CLASS, Density::UNKNOWN, Complexity::COMPLEX, true, false},
         {"other density", kaINT32_CLASS, Density::FULL, Complexity::COMPLEX, false, false},
-        {"all open", kaUNKNOWN_CLASS, Density::UNKNOWN, Complexity::UNKNOWN, true, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -281,14 +214,13 @@ TEST(KaArrayTypesTest, ElementComplexityAndDensityBeforeTheShape) {
         EXPECT_EQ(relaxed(strict).isAcceptable(candidate), c.relaxedTakes);
         EXPECT_EQ(strict.isAcceptable(candidate), c.strictTakes);
     }
-    // A declared open element is no wildcard for the candidate's open element the other way.
+    // The candidate's open element is no wildcard.
     EXPECT_FALSE(relaxed(array(kaINT32_CLASS, Shape::ROW, 1))
                      .isAcceptable(array(kaUNKNOWN_CLASS, Shape::ROW, 1)));
 }
 
 TEST(KaArrayTypesTest, CompatibilityLooksAtElementComplexityAndDensityOnly) {
     const KaArrayTypes row = array(kaDOUBLE_CLASS, Shape::ROW, 1);
-    EXPECT_TRUE(row.isCompatible(relaxed(array(kaDOUBLE_CLASS, Shape::TWO_D, 2))));
     EXPECT_TRUE(row.isCompatible(array(kaDOUBLE_CLASS, Shape::ND, 7)));
     EXPECT_FALSE(row.isCompatible(array(kaSINGLE_CLASS, Shape::ROW, 1)));
     EXPECT_FALSE(row.isCompatible(array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE)));
@@ -299,23 +231,9 @@ TEST(KaArrayTypesTest, CompatibilityLooksAtElementComplexityAndDensityOnly) {
     EXPECT_FALSE(relaxed(array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::UNKNOWN)).isCompatible(row));
 }
 
-// Precedence ---------------------------------------------------------------------------------
-
 using Entry = KaArrayTypes::PrecedenceType;
 
-std::string describe(const std::vector<Entry>& entries) {
-    std::ostringstream os;
-    for (const auto& entry : entries) {
-        if (const auto* arrayEntry = std::get_if<KaArrayTypes>(&entry)) {
-            os << '[' << *arrayEntry << ']';
-        } else {
-            os << '[' << std::get<NumericScalarTypes>(entry) << ']';
-        }
-    }
-    return os.str();
-}
-
-// The entries of a list as shape and dimension count, with the numeric scalar as "scalar".
+// The entries as "shape:dim" (shape as its number), with the numeric scalar as "scalar".
 std::vector<std::string> shapesOf(const std::vector<Entry>& entries) {
     std::vector<std::string> shapes;
     for (const auto& entry : entries) {
@@ -331,8 +249,8 @@ std::vector<std::string> shapesOf(const std::vector<Entry>& entries) {
 }
 
 TEST(KaArrayTypesTest, PrecedenceListsBySortedShape) {
-    // Shapes as numbers: 1 EMPTY_ROW, 2 EMPTY_COL, 3 EMPTY, 4 SCALAR, 5 ROW, 6 COLUMN,
-    // 7 VECTOR, 8 TWO_D, 9 ND. Arrays sort by dim, then shape; the numeric scalar comes last.
+    // Shapes: 1 EMPTY_ROW, 2 EMPTY_COL, 3 EMPTY, 4 SCALAR, 5 ROW, 6 COLUMN, 7 VECTOR, 8 TWO_D,
+    // 9 ND. Arrays sort by dim, then shape; the numeric scalar comes last.
     const std::vector<std::string> general = {"1:0", "2:0", "3:0", "5:1", "6:1", "7:1", "8:2"};
     const auto with = [&](std::vector<std::string> tail) {
         std::vector<std::string> all = general;
@@ -346,7 +264,6 @@ TEST(KaArrayTypesTest, PrecedenceListsBySortedShape) {
         std::vector<std::string> expected;
     } cases[] = {
         {"EMPTY_ROW", Shape::EMPTY_ROW, 0, {}},
-        {"EMPTY_COL", Shape::EMPTY_COL, 0, {}},
         {"SCALAR", Shape::SCALAR, 0, {}},
         {"outside the enum", static_cast<Shape>(12), 0, {}},
         {"EMPTY", Shape::EMPTY, 0, {"1:0", "2:0"}},
@@ -355,7 +272,6 @@ TEST(KaArrayTypesTest, PrecedenceListsBySortedShape) {
         {"VECTOR", Shape::VECTOR, 1, {"1:0", "2:0", "5:1", "6:1", "scalar"}},
         {"TWO_D", Shape::TWO_D, 2, {"1:0", "2:0", "3:0", "5:1", "6:1", "7:1", "scalar"}},
         {"ND 3", Shape::ND, 3, with({"scalar"})},
-        {"ND 4", Shape::ND, 4, with({"9:3", "scalar"})},
         {"ND 7", Shape::ND, 7, with({"9:3", "9:4", "scalar"})},
         {"ND any", Shape::ND, ANY_DIM, with({"9:3", "9:4", "9:any", "scalar"})},
         {"UNKNOWN", Shape::UNKNOWN, ANY_DIM, with({"9:3", "9:4", "9:5", "9:any", "scalar"})},
@@ -363,9 +279,8 @@ TEST(KaArrayTypesTest, PrecedenceListsBySortedShape) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        const KaArrayTypes declared = relaxed(array(kaDOUBLE_CLASS, c.shape, c.dim));
-        const auto entries = declared.getGreaterPrecedenceTypes();
-        EXPECT_EQ(shapesOf(entries), c.expected) << describe(entries);
+        const auto entries = relaxed(array(kaDOUBLE_CLASS, c.shape, c.dim)).getGreaterPrecedenceTypes();
+        EXPECT_EQ(shapesOf(entries), c.expected);
         EXPECT_TRUE(array(kaDOUBLE_CLASS, c.shape, c.dim).getGreaterPrecedenceTypes().empty());
         // Every array entry is a copy with only the shape and dimension count replaced.
         for (const auto& entry : entries) {
@@ -378,6 +293,15 @@ TEST(KaArrayTypesTest, PrecedenceListsBySortedShape) {
             }
         }
     }
+    for (int shape = 0; shape <= 9; ++shape) {
+        for (const std::size_t dim : {std::size_t{0}, std::size_t{3}, std::size_t{6}, ANY_DIM}) {
+            SCOPED_TRACE(testing::Message() << shape << " " << dim);
+            const auto entries = relaxed(array(kaDOUBLE_CLASS, static_cast<Shape>(shape), dim))
+                                     .getGreaterPrecedenceTypes();
+            EXPECT_TRUE(std::is_sorted(entries.begin(), entries.end()));
+            EXPECT_EQ(std::adjacent_find(entries.begin(), entries.end()), entries.end());
+        }
+    }
 }
 
 TEST(KaArrayTypesTest, PrecedenceScalarEntry) {
@@ -386,12 +310,11 @@ TEST(KaArrayTypesTest, PrecedenceScalarEntry) {
         KaArrayTypes declared;
         Entry scalar;
     } cases[] = {
-        {"real double", array(kaDOUBLE_CLASS, Shape::ROW, 1), realScalar(kaDOUBLE_CLASS)},
         {"open complexity", array(kaINT8_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN),
          realScalar(kaINT8_CLASS)},
         {"complex", array(kaSINGLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX),
          complexScalar(kaSINGLE_CLASS)},
-        // Sparse arrays still list the scalar: the density is not asked here.
+        // The density is not asked here.
         {"sparse", array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE),
          realScalar(kaDOUBLE_CLASS)},
         {"cell", array(kaCELL_CLASS, Shape::ROW, 1),
@@ -402,66 +325,19 @@ TEST(KaArrayTypesTest, PrecedenceScalarEntry) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const auto entries = relaxed(c.declared).getGreaterPrecedenceTypes();
-        ASSERT_EQ(entries.size(), 2U) << describe(entries);
-        EXPECT_EQ(entries[1], c.scalar) << describe(entries);
+        ASSERT_EQ(entries.size(), 2U);
+        EXPECT_EQ(entries[1], c.scalar);
     }
 }
 
-TEST(KaArrayTypesTest, PrecedenceListsAreSortedWithoutDuplicates) {
-    for (int shape = 0; shape <= 9; ++shape) {
-        for (const std::size_t dim : {std::size_t{0}, std::size_t{2}, std::size_t{3},
-                                      std::size_t{5}, std::size_t{6}, ANY_DIM}) {
-            for (const kaClassID element : {kaDOUBLE_CLASS, kaCELL_CLASS, classId(30)}) {
-                SCOPED_TRACE(testing::Message() << shape << " " << dim << " " << element);
-                const auto entries = relaxed(array(element, static_cast<Shape>(shape), dim))
-                                         .getGreaterPrecedenceTypes();
-                EXPECT_TRUE(std::is_sorted(entries.begin(), entries.end())) << describe(entries);
-                EXPECT_EQ(std::adjacent_find(entries.begin(), entries.end()), entries.end())
-                    << describe(entries);
-            }
-        }
-    }
-}
-
-// Support level and diagnostic form ---------------------------------------------------------
-
-TEST(KaArrayTypesTest, SupportLevels) {
-    using L = OrroSupportLevel;
-    const struct {
-        const char* what;
-        KaArrayTypes type;
-        L input, output;
-    } cases[] = {
-        {"numeric scalar", array(kaDOUBLE_CLASS, Shape::SCALAR, 0), L::NO_SUPPORT,
-         L::EQUIVALENT_SUPPORT},
-        {"complex numeric scalar",
-         array(kaINT8_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::COMPLEX), L::NO_SUPPORT,
-         L::EQUIVALENT_SUPPORT},
-        {"numeric row", array(kaDOUBLE_CLASS, Shape::ROW, 1), L::EQUIVALENT_SUPPORT,
-         L::EQUIVALENT_SUPPORT},
-        {"cell scalar", array(kaCELL_CLASS, Shape::SCALAR, 0), L::EQUIVALENT_SUPPORT,
-         L::EQUIVALENT_SUPPORT},
-        {"opaque scalar", array(kaOPAQUE_CLASS, Shape::SCALAR, 0), L::EQUIVALENT_SUPPORT,
-         L::EQUIVALENT_SUPPORT},
-        {"negative", array(classId(-1), Shape::SCALAR, 0), L::EQUIVALENT_SUPPORT,
-         L::EQUIVALENT_SUPPORT},
-        {"open element", array(kaUNKNOWN_CLASS, Shape::UNKNOWN, ANY_DIM), L::EQUIVALENT_SUPPORT,
-         L::EQUIVALENT_SUPPORT},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(c.type.getOrroSupportLevel(IN), c.input);
-        EXPECT_EQ(c.type.getOrroSupportLevel(OUT), c.output);
-    }
-    // Classes of the class system: never as inputs; as outputs only the string class.
+TEST(KaArrayTypesTest, ClassesOfTheClassSystemAreOutputsOnlyAsStrings) {
     const auto stringClass = detail::getKnownStringClassId();
     for (const std::int32_t element : {18, 19, 25, 1000}) {
         SCOPED_TRACE(element);
         const KaArrayTypes object = array(classId(element), Shape::SCALAR, 0);
         EXPECT_EQ(object.getOrroSupportLevel(IN), L::NO_SUPPORT);
         const bool isString = stringClass && *stringClass == classId(element);
-        EXPECT_EQ(object.getOrroSupportLevel(OUT),
-                  isString ? L::EQUIVALENT_SUPPORT : L::NO_SUPPORT);
+        EXPECT_EQ(object.getOrroSupportLevel(OUT), isString ? L::EQUIVALENT_SUPPORT : L::NO_SUPPORT);
     }
 }
 
@@ -472,15 +348,10 @@ TEST(KaArrayTypesTest, DiagnosticForm) {
     } cases[] = {
         {array(kaDOUBLE_CLASS, Shape::ND, 3),
          "KaArrayTypes: kaDOUBLE_CLASS 3D FULL NOT_COMPLEX STRICT"},
-        {KaArrayTypes(), "KaArrayTypes: kaUNKNOWN_CLASS SCALAR FULL NOT_COMPLEX STRICT"},
         {relaxed(KaArrayTypes(UnsupportedArgType())),
          "KaArrayTypes: kaUNKNOWN_CLASS Unknown Shape Unknown Density Unknown Complexity RELAXED"},
         {array(kaOPAQUE_CLASS, Shape::EMPTY_ROW, 0, Density::SPARSE, Complexity::COMPLEX),
          "KaArrayTypes: kaOPAQUE_CLASS EMPTY_ROW SPARSE COMPLEX STRICT"},
-        {array(kaFUNCTION_CLASS, Shape::TWO_D, 2),
-         "KaArrayTypes: kaFUNCTION_CLASS 2D FULL NOT_COMPLEX STRICT"},
-        {array(classId(18), Shape::EMPTY_COL, 0),
-         "KaArrayTypes: kaOBJECT_CLASS(18) EMPTY_COL FULL NOT_COMPLEX STRICT"},
         {array(classId(25), Shape::VECTOR, 1),
          "KaArrayTypes: kaOBJECT_CLASS(25) VECTOR FULL NOT_COMPLEX STRICT"},
         {array(classId(-3), Shape::EMPTY, 0), "KaArrayTypes: ?-3? EMPTY FULL NOT_COMPLEX STRICT"},
@@ -489,17 +360,11 @@ TEST(KaArrayTypesTest, DiagnosticForm) {
         {array(kaCELL_CLASS, static_cast<Shape>(42), 0, static_cast<Density>(9),
                static_cast<Complexity>(9), static_cast<SignatureTolerance>(9)),
          "KaArrayTypes: kaCELL_CLASS    "},
-        {array(kaUINT16_CLASS, Shape::COLUMN, 1),
-         "KaArrayTypes: kaUINT16_CLASS COLUMN FULL NOT_COMPLEX STRICT"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        std::ostringstream member;
-        c.type.operator<<(member);
-        EXPECT_EQ(member.str(), c.text);
-        std::ostringstream free;
-        free << c.type;
-        EXPECT_EQ(free.str(), c.text);
+        std::ostringstream os;
+        os << c.type;
+        EXPECT_EQ(os.str(), c.text);
     }
 }
 
