@@ -51,7 +51,7 @@ public:
     }
     OrroObject& fromKaArray(const kaArray_tag* array, bool) const override { return *objectOf(array); }
     OwnedArray toKaArray(OrroObject* object, unsigned) const override {
-        return ka::createObject(ka::ObjectSpec{knownClass, "Known", kaOPAQUE_CLASS, {1, 1},
+        return ka::createObject(ka::ObjectDescription{knownClass, "Known", kaOPAQUE_CLASS, {1, 1},
                                                std::shared_ptr<void>(object, [](void*) {}), nullptr});
     }
     OwnedArray toKaArray(boost::intrusive_ptr<const OrroObject>&&, const char*) const override {

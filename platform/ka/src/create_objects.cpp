@@ -29,22 +29,22 @@ const std::string& ka::functionName(const kaArray_tag* handle) {
     return detail::record(handle).extra->name;
 }
 
-ka::ArrayPtr ka::createObject(ObjectSpec spec) {
-    if (spec.classId <= kaOBJECT_CLASS)
-        throw std::invalid_argument("class id " + std::to_string(static_cast<int>(spec.classId)) +
+ka::ArrayPtr ka::createObject(ObjectDescription description) {
+    if (description.classId <= kaOBJECT_CLASS)
+        throw std::invalid_argument("class id " + std::to_string(static_cast<int>(description.classId)) +
                                     " is not a class of the class system");
-    if (spec.storedClass != kaSTRUCT_CLASS && spec.storedClass != kaOPAQUE_CLASS &&
-        spec.storedClass != kaOBJECT_CLASS)
-        matrix::detail::rejectInvalidClassId(spec.storedClass);
+    if (description.storedClass != kaSTRUCT_CLASS && description.storedClass != kaOPAQUE_CLASS &&
+        description.storedClass != kaOBJECT_CLASS)
+        matrix::detail::rejectInvalidClassId(description.storedClass);
 
-    ArrayPtr object = detail::newRecord(spec.storedClass, detail::Kind::object);
+    ArrayPtr object = detail::newRecord(description.storedClass, detail::Kind::object);
     detail::ArrayRecord& r = detail::record(object.get());
-    detail::setDimensions(r, spec.dims);
+    detail::setDimensions(r, description.dims);
     detail::Extra& extra = r.ensureExtra();
-    extra.objectClass = spec.classId;
-    extra.name = std::move(spec.className);
-    extra.payload = std::move(spec.payload);
-    extra.payloadType = extra.payload ? spec.payloadType : nullptr;
+    extra.objectClass = description.classId;
+    extra.name = std::move(description.className);
+    extra.payload = std::move(description.payload);
+    extra.payloadType = extra.payload ? description.payloadType : nullptr;
     if (extra.payload) r.data = extra.payload.get();
     return object;
 }

@@ -58,21 +58,21 @@ channel_state& channel_registry::findOrAddLocked(std::string_view channel) {
     if (auto it = channels_.find(channel); it != channels_.end())
         return *it->second;
     std::uint32_t mask = 0;
-    if (const char* spec = std::getenv(mask_variable)) {
+    if (const char* setting = std::getenv(mask_variable)) {
         std::vector<std::string> problems;
-        mask = maskFromSpec(spec, channel, &problems);
-        reportProblemsLocked(spec, problems);
+        mask = maskFromSetting(setting, channel, &problems);
+        reportProblemsLocked(setting, problems);
     }
     auto state = std::make_unique<channel_state>();
     state->mask.store(mask, std::memory_order_relaxed);
     return *channels_.emplace(std::string(channel), std::move(state)).first->second;
 }
 
-void channel_registry::reportProblemsLocked(std::string_view spec,
+void channel_registry::reportProblemsLocked(std::string_view setting,
                                             const std::vector<std::string>& problems) {
-    if (problems.empty() || spec == reportedSpec_)
+    if (problems.empty() || setting == reportedSetting_)
         return;
-    reportedSpec_.assign(spec);
+    reportedSetting_.assign(setting);
     for (const std::string& problem : problems)
         std::fprintf(stderr, "%s: ignored %s\n", mask_variable, problem.c_str());
 }

@@ -41,11 +41,11 @@ public:
 private:
     channel_registry() = default;
     channel_state& findOrAddLocked(std::string_view channel);
-    void reportProblemsLocked(std::string_view spec, const std::vector<std::string>& problems);
+    void reportProblemsLocked(std::string_view setting, const std::vector<std::string>& problems);
 
     std::mutex mutex_;
     std::map<std::string, std::unique_ptr<channel_state>, std::less<>> channels_;
-    std::string reportedSpec_;  // malformed settings are reported once per distinct text
+    std::string reportedSetting_;  // malformed settings are reported once per distinct text
     std::atomic<int> memorySinks_{0};
 };
 

@@ -169,14 +169,14 @@ TEST_F(CreateTest, ObjectsAnswerTheirClassThroughTheLibrary) {
 }
 
 TEST_F(CreateTest, ObjectsNeedAClassOfTheClassSystem) {
-    ka::ObjectSpec spec;
-    spec.classId = kaOBJECT_CLASS;
-    EXPECT_THROW(ka::createObject(spec), std::invalid_argument);
-    spec.classId = static_cast<kaClassID>(25);
-    spec.storedClass = kaDOUBLE_CLASS;
-    EXPECT_THROW(ka::createObject(spec), std::invalid_argument);
-    spec.storedClass = kaOBJECT_CLASS;
-    ka::ArrayPtr bare = ka::createObject(spec);
+    ka::ObjectDescription description;
+    description.classId = kaOBJECT_CLASS;
+    EXPECT_THROW(ka::createObject(description), std::invalid_argument);
+    description.classId = static_cast<kaClassID>(25);
+    description.storedClass = kaDOUBLE_CLASS;
+    EXPECT_THROW(ka::createObject(description), std::invalid_argument);
+    description.storedClass = kaOBJECT_CLASS;
+    ka::ArrayPtr bare = ka::createObject(description);
     EXPECT_EQ(matrix::classId(bare.get()), 25);
     EXPECT_EQ(ka::objectPayload(bare.get()), nullptr);
     EXPECT_NE(bare->data, nullptr);

@@ -109,7 +109,7 @@ const std::string& functionName(const kaArray_tag* handle);
 // _get_class_id_non_trivial), or kaSTRUCT_CLASS for an object that looks like a struct to
 // anyone who does not ask the class system. The payload is the class's own data; the data
 // pointer of the array points at it.
-struct ObjectSpec {
+struct ObjectDescription {
     kaClassID classId = kaUNKNOWN_CLASS;
     std::string className;
     kaClassID storedClass = kaOPAQUE_CLASS;
@@ -117,12 +117,12 @@ struct ObjectSpec {
     std::shared_ptr<void> payload;
     const std::type_info* payloadType = nullptr;  // checked by payloadAs
 };
-ArrayPtr createObject(ObjectSpec spec);
+ArrayPtr createObject(ObjectDescription description);
 
 template <class P>
 ArrayPtr createObject(kaClassID classId, std::string className, std::shared_ptr<P> payload,
                       Dims dims = {1, 1}, kaClassID storedClass = kaOPAQUE_CLASS) {
-    return createObject(ObjectSpec{classId, std::move(className), storedClass, std::move(dims),
+    return createObject(ObjectDescription{classId, std::move(className), storedClass, std::move(dims),
                                    std::move(payload), &typeid(P)});
 }
 

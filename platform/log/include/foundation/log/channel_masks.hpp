@@ -42,9 +42,9 @@ void setChannelMask(std::string_view channel, std::uint32_t mask);
 // The current mask of `channel`; a channel never seen gets its mask from the environment.
 std::uint32_t channelMask(std::string_view channel);
 
-// The mask that `spec` (the text of KELDOR_LOG) gives `channel`, by the rules above. Each
+// The mask that `setting` (the text of KELDOR_LOG) gives `channel`, by the rules above. Each
 // malformed entry is described in `problems` when it is given.
-std::uint32_t maskFromSpec(std::string_view spec, std::string_view channel,
+std::uint32_t maskFromSetting(std::string_view setting, std::string_view channel,
                            std::vector<std::string>* problems = nullptr);
 
 }  // namespace foundation::log

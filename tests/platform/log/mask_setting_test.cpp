@@ -4,11 +4,11 @@
 
 namespace {
 
-using foundation::log::maskFromSpec;
+using foundation::log::maskFromSetting;
 
-TEST(MaskSpec, BestMatchingEntryGivesTheMask) {
+TEST(MaskSetting, BestMatchingEntryGivesTheMask) {
     struct Case {
-        const char* spec;
+        const char* setting;
         const char* channel;
         std::uint32_t expected;
     };
@@ -27,14 +27,14 @@ TEST(MaskSpec, BestMatchingEntryGivesTheMask) {
         {"a*b=1", "axb", 0},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.spec) + " / " + c.channel);
-        EXPECT_EQ(maskFromSpec(c.spec, c.channel), c.expected);
+        SCOPED_TRACE(std::string(c.setting) + " / " + c.channel);
+        EXPECT_EQ(maskFromSetting(c.setting, c.channel), c.expected);
     }
 }
 
-TEST(MaskSpec, DescribesEachMalformedEntry) {
+TEST(MaskSetting, DescribesEachMalformedEntry) {
     std::vector<std::string> problems;
-    maskFromSpec("good=1, bad, x=zz, a*b=2, =3", "good", &problems);
+    maskFromSetting("good=1, bad, x=zz, a*b=2, =3", "good", &problems);
     ASSERT_EQ(problems.size(), 4u);
     EXPECT_EQ(problems[0], "'bad': expected pattern=mask");
     EXPECT_EQ(problems[1].rfind("'x=zz': ", 0), 0u);

@@ -55,14 +55,14 @@ void complain(std::vector<std::string>* problems, std::string_view entry, const 
 
 }  // namespace
 
-std::uint32_t maskFromSpec(std::string_view spec, std::string_view channel,
+std::uint32_t maskFromSetting(std::string_view setting, std::string_view channel,
                            std::vector<std::string>* problems) {
     std::uint32_t best = 0;
     std::optional<std::size_t> bestRank;
-    while (!spec.empty()) {
-        const auto cut = spec.find_first_of(",;");
-        const std::string_view entry = trim(spec.substr(0, cut));
-        spec = cut == std::string_view::npos ? std::string_view() : spec.substr(cut + 1);
+    while (!setting.empty()) {
+        const auto cut = setting.find_first_of(",;");
+        const std::string_view entry = trim(setting.substr(0, cut));
+        setting = cut == std::string_view::npos ? std::string_view() : setting.substr(cut + 1);
         if (entry.empty())
             continue;
 
