@@ -4,6 +4,7 @@
 
 #include <ka/ka.hpp>
 
+#include <builtin/types/classifyKaArray.hpp>
 #include <builtin/variants/VariantSignature.hpp>
 
 #include "VariantBuilders.hpp"
@@ -96,6 +97,30 @@ TEST_F(VariantAcceptance, CacheKeepsOnlyWhatWasReachedAndClassified) {
     const Parameter passed = signature.toParameter(0, nullptr);
     EXPECT_EQ(widget->refCount, 2u);
     matrix::releaseReference(boost::get<kaArray_tag*>(passed));
+}
+
+// The signature answers plain scalars without the general classification; whatever the way, it
+// must agree with classifyKaArray on the type and the converter.
+TEST_F(VariantAcceptance, SignatureClassifiesAsTheCommonCore) {
+    const ka::ArrayPtr arrays[] = {
+        ka::scalar(2.0), ka::scalar(true), ka::scalar(u'x'), ka::scalar<std::uint64_t>(7),
+        ka::scalar(std::complex<double>(1, 2)),
+        ka::createNumeric(kaINT8_CLASS, {1, 1}, kaCOMPLEX),
+        ka::createSparse(kaDOUBLE_CLASS, 1, 1, {}),
+        ka::createNumeric(kaDOUBLE_CLASS, {1, 1, 2}),
+        ka::createNumeric(kaDOUBLE_CLASS, {1, 0}),
+        ka::row({1.0, 2.0}),
+        ka::createCell({1, 1}),
+    };
+    for (const ka::ArrayPtr& array : arrays) {
+        SCOPED_TRACE(testing::Message() << "class " << array->storedClass);
+        kaArray_tag* args[] = {array.get()};
+        ClassificationCache cache;
+        const VariantSignature signature(0, 1, args, &cache);
+        const auto [type, converter] = types::classifyKaArray(array.get());
+        EXPECT_EQ(signature.getArgType(0), type);
+        EXPECT_EQ(cache[0].converter, converter);
+    }
 }
 
 }  // namespace

@@ -141,6 +141,13 @@ std::string toString(const ArgType& type, ArgTypeDirection direction, std::size_
 }
 
 bool isAcceptable(const ArgType& declared, const ArgType& candidate) {
+    // A declared scalar against a live scalar is the question of most calls; it needs no visit.
+    const auto* declaredScalar = std::get_if<NumericScalarTypes>(&declared);
+    const auto* candidateScalar = std::get_if<NumericScalarTypes>(&candidate);
+    if (declaredScalar != nullptr && candidateScalar != nullptr) {
+        return declaredScalar->element == candidateScalar->element &&
+               declaredScalar->complexity == candidateScalar->complexity;
+    }
     return visitTwo(Acceptance{}, declared, candidate);
 }
 

@@ -112,4 +112,15 @@ std::pair<ArgType, Converter> classifyByShape(const kaArray_tag* array, kaClassI
     return {shapeConstants().get(element, complex, shapeOf(rows, columns)), &passThroughConverter};
 }
 
+Converter realScalarConverter(const kaArray_tag* array) noexcept {
+    const Converter converter = scalarConverterOf(static_cast<kaClassID>(array->storedClass), false);
+    if (converter == nullptr || matrix::isSparse(array) || matrix::isComplex(array)) {
+        return nullptr;
+    }
+    const std::span<const std::size_t> dims = matrix::dimensions(array);
+    const bool oneByOne = dims.size() <= 2 && (dims.empty() || dims[0] == 1) &&
+                          (dims.size() < 2 || dims[1] == 1);
+    return oneByOne ? converter : nullptr;
+}
+
 }  // namespace Norvane::builtin::types::detail

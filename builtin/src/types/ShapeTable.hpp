@@ -16,4 +16,9 @@ namespace Norvane::builtin::types::detail {
 std::pair<ArgType, Converter> classifyByShape(const kaArray_tag* array, kaClassID element,
                                               bool complex);
 
+// The converter of a full, real 1-by-1 array of a numeric element class, which classifies as
+// NumericScalarTypes(stored class, REAL); null for any other array. Such a scalar is the
+// argument of most calls, and this answers it without the general classification.
+Converter realScalarConverter(const kaArray_tag* array) noexcept;
+
 }  // namespace Norvane::builtin::types::detail

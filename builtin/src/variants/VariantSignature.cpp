@@ -7,10 +7,14 @@
 #include <builtin/variants/VariantSignature.hpp>
 
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 #include <builtin/services/BuiltinServices.hpp>
 #include <builtin/types/StringClassId.hpp>
 #include <ka/ka.hpp>
+
+#include "../types/ShapeTable.hpp"
 
 namespace Norvane::builtin {
 
@@ -61,15 +65,25 @@ void grow(ClassificationCache& known, std::size_t i) {
     }
 }
 
-// Stores a classification at i, which is the end of the cache or a fresh element. At the end
-// it is constructed in place, which is the common case and the cheaper one.
-const ArgumentClassification& keep(ClassificationCache& known, std::size_t i, ArgType&& type,
-                                   types::Converter converter) {
-    if (known.size() == i) {
-        return known.emplace_back(std::move(type), converter);
+// The cache element at i, which is the end of the cache or a fresh element, ready to be
+// written. At the end it is made in place, which is the common case and the cheaper one.
+ArgumentClassification& slotAt(ClassificationCache& known, std::size_t i) {
+    return known.size() == i ? known.emplace_back() : known[i];
+}
+
+// Stores a classification at i. `Type` is an alternative of ArgType, built in place from
+// `arguments`, or ArgType itself, moved in.
+template <class Type, class... Arguments>
+const ArgumentClassification& keep(ClassificationCache& known, std::size_t i,
+                                   types::Converter converter, Arguments&&... arguments) {
+    ArgumentClassification& slot = slotAt(known, i);
+    if constexpr (std::is_same_v<Type, ArgType>) {
+        slot.type = ArgType(std::forward<Arguments>(arguments)...);
+    } else {
+        slot.type.template emplace<Type>(std::forward<Arguments>(arguments)...);
     }
-    known[i] = ArgumentClassification{std::move(type), converter};
-    return known[i];
+    slot.converter = converter;
+    return slot;
 }
 
 }  // namespace
@@ -81,15 +95,20 @@ const ArgumentClassification& VariantSignature::classify(std::size_t i) const {
     }
     kaArray_tag* const array = prhs[i];
     if (array == nullptr) {
-        return keep(known, i, ArgType(types::UnsupportedArgType()), &passThrough);
+        return keep<types::UnsupportedArgType>(known, i, &passThrough);
     }
     if (!isClassifiable(classIdOf(array))) {
         grow(known, i);
         return unsupportedArgument();
     }
+    if (const types::Converter scalar = types::detail::realScalarConverter(array)) {
+        return keep<types::NumericScalarTypes>(known, i, scalar,
+                                               static_cast<kaClassID>(array->storedClass),
+                                               types::NumericScalarTypes::Complexity::REAL);
+    }
     try {
         auto [type, converter] = types::classifyKaArray(array);
-        return keep(known, i, std::move(type), converter);
+        return keep<ArgType>(known, i, converter, std::move(type));
     } catch (...) {
         // A refusal of classification ends here: the argument is unsupported for this look.
         grow(known, i);
