@@ -117,6 +117,16 @@ TEST_F(Invoke, OneByOneDoubleArrivesByTheDeclaredType) {
     EXPECT_EQ(callForOne(TestFcn(longLists, defaultVariant()), std::vector<kaArray_tag*>(20, x.get())), 20.0);
 }
 
+// A variant declared with another input type than its wrapper takes: the wrapper refuses the
+// argument, and the reference that the argument carried is given back.
+TEST_F(Invoke, WrapperRefusalGivesBackArgumentReferences) {
+    const Lists lists{.noOrro = {nativeVariant<double, double>("misdeclared", {anyArray()}, {scalar()}, &ofDouble)}};
+    const ArrayPtr x = ka::scalar(2.5);
+    EXPECT_THROW(callForOne(TestFcn(lists, defaultVariant()), {x.get()}), boost::bad_get);
+    EXPECT_TRUE(seen.ran.empty());
+    EXPECT_EQ(x->refCount, 1u);
+}
+
 TEST_F(Invoke, ResultOfACallThatAsksForNoOutput) {
     const ArrayPtr x = ka::scalar(3.0);
     kaArray_tag* args[] = {x.get()};

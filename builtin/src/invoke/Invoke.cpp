@@ -20,6 +20,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include <boost/variant/get.hpp>
+
 #include <builtin/variants/VariantSignature.hpp>
 #include <ka/ka.hpp>
 
@@ -194,6 +196,21 @@ void collectArguments(const BuiltinVariant& variant, const VariantSignature& sig
     }
 }
 
+// Calls the typed entry of the variant. A wrapper that finds an argument in another alternative
+// than its native function takes throws boost::bad_get before it calls anything, so the
+// references that the arguments carry were never handed on; they are given back here.
+Parameter callTypedEntry(const BuiltinVariant& variant, Environment& environment, bool& pending,
+                         const ParameterList& arguments) {
+    // Typed entries take the descriptor as a mutable pointer; they only read it.
+    auto* const descriptor = const_cast<OrroFunctionDescriptor*>(&variant.functionDescriptor);
+    try {
+        return descriptor->typedEntry(descriptor, &environment, pending, arguments);
+    } catch (const boost::bad_get&) {
+        std::for_each(arguments.begin(), arguments.end(), releaseIfArray);
+        throw;
+    }
+}
+
 void deliverReports(const std::vector<std::u16string>& warnings,
                     const std::exception_ptr& pendingException) {
     for (const std::u16string& warning : warnings) {
@@ -238,9 +255,7 @@ bool invokeFirstAccepting(const VariantArray& list, std::size_t nlhs, kaArray_ta
     std::exception_ptr pendingException;
     Environment environment(&warnings, &pendingException);
     bool pending = false;
-    // Typed entries take the descriptor as a mutable pointer; they only read it.
-    auto* const descriptor = const_cast<OrroFunctionDescriptor*>(&variant->functionDescriptor);
-    const Parameter result = descriptor->typedEntry(descriptor, &environment, pending, arguments);
+    const Parameter result = callTypedEntry(*variant, environment, pending, arguments);
     ResultGuard guard(result);
     if (pending) {
         deliverReports(warnings, pendingException);
