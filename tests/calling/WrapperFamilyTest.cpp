@@ -1,6 +1,7 @@
-// Each wrapper the selector gives is the member of the right signature: called under every
-// convention against a native function of exactly that signature, it passes each input in its
-// place and returns the native result in the alternative of its type. Two-input wrappers are
+// The alternatives of Parameter keep their stored numbers, and each wrapper the selector gives
+// is the member of the right signature: called under every convention against a native function
+// of exactly that signature, it passes each input in its place and returns the native result in
+// the alternative of its type. Two-input wrappers are
 // checked for every output and a spread of input pairs: equal types (where a swap would go
 // unseen by type alone), numbers against pointers, and both ends of the index range.
 #include "WrapperCheck.hpp"
@@ -8,8 +9,35 @@
 #include <boost/mp11/algorithm.hpp>
 #include <boost/mp11/list.hpp>
 
+#include <complex>
+#include <cstdint>
+
 namespace Norvane::builtin::testing {
 namespace {
+
+// The plain C++ types in their stored order, as converters and wrappers construct them; a wrong
+// number means the order changed or a value lands in a neighbouring alternative.
+using StoredOrder =
+    boost::mp11::mp_list<std::uint64_t, double, float, bool, signed char, short, int, std::int64_t,
+                         unsigned char, unsigned short, unsigned int, std::complex<double>,
+                         std::complex<float>, kaArray_tag*, Norvane::String::String*,
+                         Norvane::orro::OrroObject*>;
+
+TEST(Parameter, EachTypeLandsInItsStoredAlternative) {
+  std::size_t expected = 0;
+  boost::mp11::mp_for_each<StoredOrder>([&](auto value) {
+    using T = decltype(value);
+    SCOPED_TRACE(expected);
+    EXPECT_EQ(static_cast<std::size_t>(Parameter(sample<T>(0)).which()), expected);
+    EXPECT_EQ(parameterIndexOf<T>, expected);
+    ++expected;
+  });
+  EXPECT_EQ(Parameter(7ul).which(), 0);
+  EXPECT_EQ(parameterIndexOf<void>, noOutputIndex);
+  EXPECT_EQ(noOutputIndex, 16u);
+  EXPECT_EQ(Parameter().which(), 0);
+  EXPECT_EQ(boost::get<std::uint64_t>(Parameter()), 0u);
+}
 
 using boost::mp11::mp_for_each;
 using boost::mp11::mp_iota_c;

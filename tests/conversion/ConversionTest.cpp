@@ -98,17 +98,11 @@ TEST_F(Conversion, ValuesBoxIntoOneByOneArrays) {
     expectBoxed(true, kaLOGICAL_CLASS, false);
     expectBoxed(u'x', kaCHAR_CLASS, false);
 
-    kaArray_tag* out = nullptr;
-    parameterConversionImpl(&out, std::complex<double>(1, 2));
-    const ka::ArrayPtr complexArray(out);
-    const auto* parts = static_cast<const double*>(matrix::data(complexArray.get()));
-    EXPECT_TRUE(matrix::isComplex(complexArray.get()));
-    EXPECT_EQ(parts[0], 1.0);
-    EXPECT_EQ(parts[1], 2.0);
+    expectBoxed(std::complex<double>(1, 2), kaDOUBLE_CLASS, true);
 
     // Without the services, strings and objects box to null, whatever out held.
     kaArray_tag stale{};
-    out = &stale;
+    kaArray_tag* out = &stale;
     parameterConversionImpl(&out, static_cast<Norvane::String::String*>(nullptr));
     EXPECT_EQ(out, nullptr);
     out = &stale;
@@ -149,13 +143,12 @@ TEST_F(Conversion, CharArraysReadAsStrings) {
     TypeTraitsImpl<std::u16string_view> view;
     EXPECT_EQ(u16(ka::charArray(std::u16string_view(u"abc")).release(), holders), u"abc");
     EXPECT_EQ(u16(ka::createNumeric(kaCHAR_CLASS, {1, 0}).release(), holders), u"");
-    EXPECT_EQ(u16(ka::createNumeric(kaCHAR_CLASS, {0, 0}).release(), holders), u"");
     EXPECT_EQ(utf8(ka::charArray(std::u16string_view(u"h\u00e9")).release(), holders), "h\xc3\xa9");
     const kaArray_tag* chars = ka::charArray(std::u16string_view(u"xy")).release();
     const std::u16string_view seen = view(chars, holders);
     EXPECT_EQ(seen, u"xy");
     EXPECT_EQ(seen.data(), matrix::data(chars));
-    EXPECT_EQ(holders.size(), 5u) << "the holders own every array read";
+    EXPECT_EQ(holders.size(), 4u) << "the holders own every array read";
 
     const kaArray_tag* refused[] = {ka::createNumeric(kaCHAR_CLASS, {2, 2}).release(),
                                     &complexRow.record, &sparseRow.record,
@@ -163,7 +156,7 @@ TEST_F(Conversion, CharArraysReadAsStrings) {
     for (const kaArray_tag* array : refused) {
         EXPECT_THROW(u16(array, holders), std::invalid_argument);
     }
-    EXPECT_EQ(holders.size(), 10u) << "a refused array is held too";
+    EXPECT_EQ(holders.size(), 9u) << "a refused array is held too";
 }
 
 TEST_F(Conversion, StringsBecomeCharRowsWithoutStringSupport) {

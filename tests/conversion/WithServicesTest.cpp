@@ -2,20 +2,17 @@
 // provider: strings classify as flags or string types, known classes as engine objects, and
 // strings and objects cross between arrays and pointers through the services.
 #include <builtin/calling/ParameterConversion.hpp>
-#include <builtin/services/BuiltinServices.hpp>
 #include <builtin/types/StringTraits.hpp>
 #include <builtin/types/classifyKaArray.hpp>
 
-#include <cppmicroservices/BundleContext.h>
-#include <foundation/cppmicroservices/framework.hpp>
 #include <stringbundle/KeldorString.hpp>
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <memory>
-#include <stdexcept>
 
+#include "../services/ServiceDoubles.hpp"
 #include "ConversionSupport.hpp"
 #include "live_arrays.hpp"
 
@@ -29,51 +26,15 @@ constexpr auto stringClass = static_cast<kaClassID>(19);
 constexpr auto knownClass = static_cast<kaClassID>(40);
 constexpr auto unknownClass = static_cast<kaClassID>(41);
 
-// What the provider double keeps in an object array: the variant id, the type flag, and the
-// address that stands for the engine object.
-struct ObjectPayload {
-    std::size_t variantId;
-    bool typeFlag;
-};
-
-OrroObject* objectOf(const kaArray_tag* array) {
-    return static_cast<OrroObject*>(ka::objectPayload(array).get());
-}
-
-class ProviderDouble final : public IZOBJRegWrapper {
-public:
-    kaClassID getClassId(const kaArray_tag* array) const override { return ka::objectClassId(array); }
-    std::size_t getVariantId(const kaArray_tag* array) const override {
-        return ka::payloadAs<ObjectPayload>(array)->variantId;
-    }
-    bool getObjectTypeFlag(const kaArray_tag* array) const override {
-        return ka::payloadAs<ObjectPayload>(array)->typeFlag;
-    }
-    OrroObject& fromKaArray(const kaArray_tag* array, bool) const override { return *objectOf(array); }
-    OwnedArray toKaArray(OrroObject* object, unsigned) const override {
-        return ka::createObject(ka::ObjectDescription{knownClass, "Known", kaOPAQUE_CLASS, {1, 1},
-                                               std::shared_ptr<void>(object, [](void*) {}), nullptr});
-    }
-    OwnedArray toKaArray(boost::intrusive_ptr<const OrroObject>&&, const char*) const override {
-        return nullptr;
-    }
-    std::string getClassName(kaClassID) const override { return {}; }
-    void registerPackageFunction(const std::vector<std::string>&, const std::string&,
-                                 Zfh_KELDOR_fn*) override {}
-    kaClassID getClassIdByName(const std::string&) const override { return kaUNKNOWN_CLASS; }
-    const ts::iTypeExpression* getOrroObjectType(kaClassID, std::size_t) const override { return nullptr; }
-    void setZfhFinder(std::string, ZfhFinder) override {}
-    void addMethod(zobj::ZobjClass*, const std::string&, const std::string&, const zobj::MemberAccess&, bool,
-                   bool, bool) override {}
-};
+using servicedoubles::ObjectPayload;
+constexpr auto objectOf = &servicedoubles::StubClassProvider::objectOf;
 
 class WithServices : public testsupport::LiveArrayTest {
 protected:
     static void SetUpTestSuite() {
         unsetenv("KELDOR_INSTALL_ROOT");  // the build tree's bundles
         foundation::cppmicroservices::createFramework();
-        foundation::cppmicroservices::getFramework()->GetBundleContext().RegisterService<IZOBJRegWrapper>(
-            std::make_shared<ProviderDouble>());
+        servicedoubles::registerDouble<IZOBJRegWrapper>(std::make_shared<servicedoubles::StubClassProvider>(40));
         builtinreg::addAsKnownOrroObject(knownClass);
     }
 

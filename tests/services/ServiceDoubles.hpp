@@ -1,24 +1,31 @@
 // In-process doubles of the services the library looks up, for tests that register them with
-// a framework themselves. They answer with neutral values; the tests look at their identity.
+// a framework themselves. Most answer with neutral values, and tests look at their identity.
 #pragma once
 
 #include <builtin/services/services.hpp>
 
 #include <cppmicroservices/BundleContext.h>
 #include <foundation/cppmicroservices/framework.hpp>
+#include <ka/ka.hpp>
 
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace servicedoubles {
 
 using namespace Norvane::builtin;
 
+// Answers the string class id it was given and counts the questions.
 class StubStringSupport final : public StringSupport {
 public:
+    explicit StubStringSupport(std::int32_t classId = 77) : classId_(static_cast<kaClassID>(classId)) {}
+    mutable int classIdCalls = 0;
+
+    kaClassID getStringClassId() const override {
+        ++classIdCalls;
+        return classId_;
+    }
     bool isString(const kaArray_tag*) const override { return false; }
-    kaClassID getStringClassId() const override { return static_cast<kaClassID>(77); }
     std::size_t getNumberOfStrings(const kaArray_tag*) const override { return 0; }
     std::string getStringUtf8(const kaArray_tag*, std::size_t) const override { return {}; }
     const std::u16string& getString(const kaArray_tag*, std::size_t) const override { return text_; }
@@ -29,28 +36,51 @@ public:
     OwnedArray stringToKaArray(Norvane::String::String*, unsigned) const override { return nullptr; }
 
 private:
+    kaClassID classId_;
     std::u16string text_;
 };
 
+// What the class provider double reads from an object array: the variant id and the type
+// flag; the payload's address stands for the engine object.
+struct ObjectPayload {
+    std::size_t variantId;
+    bool typeFlag;
+};
+
+// Reads object arrays made with an ObjectPayload, and boxes engine objects as objects of the
+// class it was given.
 class StubClassProvider final : public IZOBJRegWrapper {
 public:
-    std::string getClassName(kaClassID) const override { return {}; }
-    void registerPackageFunction(const std::vector<std::string>&, const std::string&, Zfh_KELDOR_fn*) override {}
-    kaClassID getClassIdByName(const std::string&) const override { return kaUNKNOWN_CLASS; }
-    Norvane::orro::OrroObject& fromKaArray(const kaArray_tag*, bool) const override {
-        throw std::logic_error("the stub class provider holds no objects");
+    explicit StubClassProvider(std::int32_t boxedClass = 40) : boxedClass_(static_cast<kaClassID>(boxedClass)) {}
+
+    static Norvane::orro::OrroObject* objectOf(const kaArray_tag* array) {
+        return static_cast<Norvane::orro::OrroObject*>(ka::objectPayload(array).get());
     }
-    OwnedArray toKaArray(Norvane::orro::OrroObject*, unsigned) const override { return nullptr; }
+    kaClassID getClassId(const kaArray_tag* array) const override { return ka::objectClassId(array); }
+    std::size_t getVariantId(const kaArray_tag* array) const override {
+        return ka::payloadAs<ObjectPayload>(array)->variantId;
+    }
+    bool getObjectTypeFlag(const kaArray_tag* array) const override {
+        return ka::payloadAs<ObjectPayload>(array)->typeFlag;
+    }
+    Norvane::orro::OrroObject& fromKaArray(const kaArray_tag* array, bool) const override { return *objectOf(array); }
+    OwnedArray toKaArray(Norvane::orro::OrroObject* object, unsigned) const override {
+        return ka::createObject(ka::ObjectDescription{boxedClass_, "Known", kaOPAQUE_CLASS, {1, 1},
+                                                      std::shared_ptr<void>(object, [](void*) {}), nullptr});
+    }
     OwnedArray toKaArray(boost::intrusive_ptr<const Norvane::orro::OrroObject>&&, const char*) const override {
         return nullptr;
     }
-    kaClassID getClassId(const kaArray_tag*) const override { return kaUNKNOWN_CLASS; }
-    std::size_t getVariantId(const kaArray_tag*) const override { return 0; }
+    std::string getClassName(kaClassID) const override { return {}; }
+    void registerPackageFunction(const std::vector<std::string>&, const std::string&, Zfh_KELDOR_fn*) override {}
+    kaClassID getClassIdByName(const std::string&) const override { return kaUNKNOWN_CLASS; }
     const ts::iTypeExpression* getOrroObjectType(kaClassID, std::size_t) const override { return nullptr; }
-    bool getObjectTypeFlag(const kaArray_tag*) const override { return false; }
     void setZfhFinder(std::string, ZfhFinder) override {}
     void addMethod(zobj::ZobjClass*, const std::string&, const std::string&, const zobj::MemberAccess&, bool, bool,
                    bool) override {}
+
+private:
+    kaClassID boxedClass_;
 };
 
 class StubObjectRegister final : public IOrroObjectRegister {

@@ -1,6 +1,6 @@
 // Checks that a test leaves no array alive. Use LiveArrayTest as the fixture of a test that
-// creates arrays, or a LiveArrayGuard for one scope; both compare the library's live-array
-// count with what it was at the start and report a leak (or a double release) as a failure.
+// creates arrays: it compares the library's live-array count with what it was at the start and
+// reports a leak (or a double release) as a failure.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,31 +11,12 @@
 
 namespace testsupport {
 
-class LiveArrayGuard {
-public:
-    LiveArrayGuard() = default;
-    LiveArrayGuard(const LiveArrayGuard&) = delete;
-    LiveArrayGuard& operator=(const LiveArrayGuard&) = delete;
-    ~LiveArrayGuard() {
-        EXPECT_EQ(ka::liveArrayCount(), start_) << "arrays created in this scope are still alive";
-    }
-
-    // Arrays created since the start and not destroyed (negative: destroyed too many).
-    long long alive() const {
-        return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_);
-    }
-
-private:
-    std::size_t start_ = ka::liveArrayCount();
-};
-
 class LiveArrayTest : public ::testing::Test {
 protected:
     void SetUp() override { start_ = ka::liveArrayCount(); }
-    void TearDown() override {
-        EXPECT_EQ(ka::liveArrayCount(), start_) << "the test left arrays alive";
-    }
+    void TearDown() override { EXPECT_EQ(ka::liveArrayCount(), start_) << "the test left arrays alive"; }
 
+    // Arrays created since the start and not destroyed (negative: destroyed too many).
     long long alive() const {
         return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_);
     }

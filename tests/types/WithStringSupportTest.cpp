@@ -6,12 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 
-#include <builtin/services/BuiltinServices.hpp>
 #include <builtin/types/StringClassId.hpp>
-#include <foundation/cppmicroservices/framework.hpp>
 
+#include "../services/ServiceDoubles.hpp"
 #include "TypeTestSupport.hpp"
 
 namespace typestest {
@@ -21,34 +19,6 @@ using Norvane::builtin::StringSupport;
 
 constexpr std::int32_t kStringClass = 42;
 
-// Answers the class id and counts the questions; nothing else is asked in these tests.
-class StringSupportDouble : public StringSupport {
-public:
-    mutable int classIdCalls = 0;
-
-    kaClassID getStringClassId() const override {
-        ++classIdCalls;
-        return classId(kStringClass);
-    }
-    bool isString(const kaArray_tag*) const override { unused(); }
-    std::size_t getNumberOfStrings(const kaArray_tag*) const override { unused(); }
-    std::string getStringUtf8(const kaArray_tag*, std::size_t) const override { unused(); }
-    const std::u16string& getString(const kaArray_tag*, std::size_t) const override { unused(); }
-    OwnedArray createEmptyStrings(std::span<const std::size_t>) const override { unused(); }
-    OwnedArray createString(std::span<const std::size_t>,
-                            std::vector<std::u16string>) const override {
-        unused();
-    }
-    std::optional<std::u16string_view> getStringFlag(const kaArray_tag*) const override {
-        unused();
-    }
-    std::vector<std::u16string> getStrings(const kaArray_tag*) const override { unused(); }
-    OwnedArray stringToKaArray(Norvane::String::String*, unsigned) const override { unused(); }
-
-private:
-    [[noreturn]] static void unused() { throw std::logic_error("not used by these tests"); }
-};
-
 class WithStringSupportTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -57,11 +27,11 @@ protected:
             std::filesystem::temp_directory_path() / "builtin-types-test-root";
         std::filesystem::create_directories(root);
         ::setenv("KELDOR_INSTALL_ROOT", root.c_str(), 1);
-        service = std::make_shared<StringSupportDouble>();
-        auto framework = foundation::cppmicroservices::createFramework();
-        framework->GetBundleContext().RegisterService<StringSupport>(service);
+        foundation::cppmicroservices::createFramework();
+        service = servicedoubles::registerDouble<StringSupport>(
+            std::make_shared<servicedoubles::StubStringSupport>(kStringClass));
     }
-    static inline std::shared_ptr<StringSupportDouble> service;
+    static inline std::shared_ptr<servicedoubles::StubStringSupport> service;
 };
 
 TEST_F(WithStringSupportTest, ClassIdIsAskedOnceAndKept) {

@@ -8,37 +8,20 @@ namespace {
 
 using capabilities::CapabilityList;
 
-TEST(CapabilityList, SetClearAndTestFollowBitMasks) {
-    struct Case {
-        const char* what;
-        CapabilityList::Bits start, set, clear, expected;
-    };
-    const Case cases[] = {
-        {"set keeps earlier bits", 0x1, 0x8, 0, 0x9},
-        {"clear one of two", 0x9, 0, 0x1, 0x8},
-        {"clear of an absent bit changes nothing", 0x8, 0, 0x2, 0x8},
-        {"top bit survives", 0, 0x80000000u, 0, 0x80000000u},
-        {"set then clear the same bit", 0, 0x10, 0x10, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        CapabilityList list(c.start);
-        list.set(c.set).clear(c.clear);
-        EXPECT_EQ(list, CapabilityList(c.expected));
-        EXPECT_EQ(list.empty(), c.expected == 0);
-    }
-    const CapabilityList list(0x5);
-    EXPECT_TRUE(list.test(0x5));
-    EXPECT_FALSE(list.test(0x3));  // test wants every bit, testAny one
-    EXPECT_TRUE(list.testAny(0x3));
-    EXPECT_FALSE(list.testAny(0xa));
-}
+TEST(CapabilityList, BitMasksAndTheirPrintedForm) {
+    CapabilityList list(0x1);
+    list.set(0x8 | 0x80000000u).clear(0x1 | 0x2);  // clearing an absent bit changes nothing
+    EXPECT_EQ(list, CapabilityList(0x80000008u));
+    EXPECT_FALSE(list.empty());
+    EXPECT_TRUE(CapabilityList(0x10).clear(0x10).empty());
+    EXPECT_TRUE(CapabilityList(0x5).test(0x5));
+    EXPECT_FALSE(CapabilityList(0x5).test(0x3));  // test wants every bit, testAny one
+    EXPECT_TRUE(CapabilityList(0x5).testAny(0x3));
+    EXPECT_FALSE(CapabilityList(0x5).testAny(0xa));
 
-TEST(CapabilityList, PrintsFixedWidthHex) {
     std::ostringstream out;
-    out << CapabilityList(0xa) << ' ' << CapabilityList(0xffffffffu) << ' ' << CapabilityList();
-    EXPECT_EQ(out.str(),
-              "CapabilityList(0x0000000a) CapabilityList(0xffffffff) CapabilityList(0x00000000)");
+    out << CapabilityList(0xa) << ' ' << CapabilityList(0xffffffffu);
+    EXPECT_EQ(out.str(), "CapabilityList(0x0000000a) CapabilityList(0xffffffff)");
 }
 
 }  // namespace

