@@ -99,27 +99,29 @@ VariantArray afterOrroList(const VariantArray& afterOrro, const VariantArray& co
     return afterOrro;
 }
 
-// Where a variant's arity stands against the call's: -1 before, 0 a candidate, 1 behind. A
-// call that asks for no output takes the variants of no output and of one output, in that
-// order. Counts are compared as byte lengths of the type vectors, which spares a division for
+// The arity of variants and calls, as the lists are sorted: input count first, then output
+// count. Counts are compared as byte lengths of the type vectors, which spares a division for
 // each look at a variant during the search.
-class ArityProbe {
+class Arity {
 public:
-    ArityProbe(std::size_t nlhs, std::size_t nrhs)
-        : inputBytes_(nrhs * sizeof(ArgType)),
-          outputBytes_(nlhs * sizeof(ArgType)),
-          noOutputAsked_(nlhs == 0) {}
+    Arity(std::size_t nlhs, std::size_t nrhs)
+        : inputBytes_(nrhs * sizeof(ArgType)), outputBytes_(nlhs * sizeof(ArgType)) {}
 
-    int operator()(const BuiltinVariant& variant) const {
+    // Whether the variant sorts ahead of every candidate of the call.
+    bool before(const BuiltinVariant& variant) const {
         const std::size_t inputs = bytes(variant.inputArgTypes);
-        if (inputs != inputBytes_) {
-            return inputs < inputBytes_ ? -1 : 1;
+        return inputs < inputBytes_ ||
+               (inputs == inputBytes_ && bytes(variant.outputArgTypes) < outputBytes_);
+    }
+
+    // Whether the variant is a candidate. A call that asks for no output takes the variants of
+    // no output and of one output, which follow each other in the list.
+    bool fits(const BuiltinVariant& variant) const {
+        if (bytes(variant.inputArgTypes) != inputBytes_) {
+            return false;
         }
         const std::size_t outputs = bytes(variant.outputArgTypes);
-        if (outputs == outputBytes_ || (noOutputAsked_ && outputs == sizeof(ArgType))) {
-            return 0;
-        }
-        return outputs < outputBytes_ ? -1 : 1;
+        return outputs == outputBytes_ || (outputBytes_ == 0 && outputs == sizeof(ArgType));
     }
 
 private:
@@ -131,44 +133,18 @@ private:
 
     std::size_t inputBytes_;
     std::size_t outputBytes_;
-    bool noOutputAsked_;
 };
 
-// The first variant in [first, last) for which `before` is false; `before` must hold for a
-// leading part of the range only.
-template <class Before>
-const BuiltinVariant* firstNotBefore(const BuiltinVariant* first, const BuiltinVariant* last,
-                                     Before before) {
-    std::size_t count = static_cast<std::size_t>(last - first);
-    while (count > 0) {
-        const std::size_t half = count / 2;
-        if (before(first[half])) {
-            first += half + 1;
-            count -= half + 1;
-        } else {
-            count = half;
-        }
-    }
-    return first;
-}
-
-// The first variant of the list that accepts the call; precedence is the order of the list.
+// The first variant of the list that accepts the call; precedence is the order of the list. The
+// candidates start where a binary search puts the call's arity, and the walk stops at the first
+// that accepts, which is usually among the first few, so the end of the candidates is found by
+// looking at each as it comes rather than by a second search.
 const BuiltinVariant* findVariant(const VariantArray& list, const VariantSignature& signature) {
-    const BuiltinVariant* const front = list.first;
     const BuiltinVariant* const end = list.first + list.second;
-    const ArityProbe arity(signature.nlhs, signature.nrhs);
-    const int first = arity(*front);
-    const int last = arity(*(end - 1));
-    if (first == 1 || last == -1) {
-        return nullptr;
-    }
-    const BuiltinVariant* const begin =
-        first == 0 ? front : firstNotBefore(front, end, [&](const BuiltinVariant& v) { return arity(v) == -1; });
-    // The candidates run from `begin` up to the first variant of another arity. The walk stops
-    // at the first that accepts, which is usually among the first few, so the end of the run is
-    // found by looking at each variant as it comes rather than by a second search.
-    for (const BuiltinVariant* candidate = begin; candidate != end && arity(*candidate) == 0;
-         ++candidate) {
+    const Arity arity(signature.nlhs, signature.nrhs);
+    const BuiltinVariant* candidate = std::partition_point(
+        list.first, end, [&arity](const BuiltinVariant& v) { return arity.before(v); });
+    for (; candidate != end && arity.fits(*candidate); ++candidate) {
         if (detail::acceptsArguments(*candidate, signature)) {
             return candidate;
         }
