@@ -9,8 +9,9 @@
 //                    so that the call tries and refuses them first.
 //
 // All release their result in the loop. Goals: InterpretedCall at most 2x DirectBaseline, and
-// no heap allocation on its road besides the result array (the per-call counts must be equal). After the runs, NumPy's np.sqrt on a float64 scalar is timed by numpy_sqrt.py and
-// the interpreted call is quoted as a fraction of it. Ratios use the medians of the repetitions
+// no heap allocation on its road besides the result array (the per-call counts must be equal).
+// After the runs, NumPy's np.sqrt on a float64 scalar is timed by numpy_sqrt.py and the
+// interpreted call is quoted as a fraction of it. Ratios use the medians of the repetitions
 // when --benchmark_repetitions is given.
 #include <benchmark/benchmark.h>
 
