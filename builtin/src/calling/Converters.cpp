@@ -15,7 +15,9 @@
 namespace Norvane::builtin::types {
 
 Parameter passThroughConverter(kaArray_tag* array, const ArgType*) {
-    matrix::takeReference(array);
+    if (array != nullptr) {
+        matrix::takeReference(array);
+    }
     return Parameter(array);
 }
 

@@ -145,8 +145,7 @@ bool isAcceptable(const ArgType& declared, const ArgType& candidate) {
     const auto* declaredScalar = std::get_if<NumericScalarTypes>(&declared);
     const auto* candidateScalar = std::get_if<NumericScalarTypes>(&candidate);
     if (declaredScalar != nullptr && candidateScalar != nullptr) {
-        return declaredScalar->element == candidateScalar->element &&
-               declaredScalar->complexity == candidateScalar->complexity;
+        return equivalent(*declaredScalar, *candidateScalar);
     }
     return visitTwo(Acceptance{}, declared, candidate);
 }

@@ -6,13 +6,6 @@
 
 namespace Norvane::builtin::types {
 
-bool NumericScalarTypes::operator<(const NumericScalarTypes& other) const {
-    if (element != other.element) {
-        return static_cast<std::int32_t>(element) < static_cast<std::int32_t>(other.element);
-    }
-    return static_cast<std::int32_t>(complexity) < static_cast<std::int32_t>(other.complexity);
-}
-
 std::size_t NumericScalarTypes::hash() const {
     return static_cast<std::size_t>(static_cast<std::int64_t>(element));
 }

@@ -68,6 +68,12 @@ const ShapeConstants& shapeConstants() {
     return constants;
 }
 
+// Dimension d of an array. The array library keeps at least two dimensions; a shorter list
+// reads as trailing ones.
+std::size_t extent(std::span<const std::size_t> dims, std::size_t d) {
+    return d < dims.size() ? dims[d] : 1;
+}
+
 // The shape of a 2-D array that is not 1-by-1.
 Shape shapeOf(std::size_t rows, std::size_t columns) {
     if (rows == 1) {
@@ -103,9 +109,8 @@ std::pair<ArgType, Converter> classifyByShape(const kaArray_tag* array, kaClassI
                              complexityOf(complex), dims.size()),
                 &passThroughConverter};
     }
-    // The array library keeps at least two dimensions; a shorter list reads as trailing ones.
-    const std::size_t rows = dims.empty() ? 1 : dims[0];
-    const std::size_t columns = dims.size() < 2 ? 1 : dims[1];
+    const std::size_t rows = extent(dims, 0);
+    const std::size_t columns = extent(dims, 1);
     if (rows == 1 && columns == 1) {
         return classifyOneByOne(element, complex);
     }
@@ -118,8 +123,7 @@ Converter realScalarConverter(const kaArray_tag* array) noexcept {
         return nullptr;
     }
     const std::span<const std::size_t> dims = matrix::dimensions(array);
-    const bool oneByOne = dims.size() <= 2 && (dims.empty() || dims[0] == 1) &&
-                          (dims.size() < 2 || dims[1] == 1);
+    const bool oneByOne = dims.size() <= 2 && extent(dims, 0) == 1 && extent(dims, 1) == 1;
     return oneByOne ? converter : nullptr;
 }
 

@@ -7,7 +7,6 @@
 #include <builtin/variants/VariantSignature.hpp>
 
 #include <memory>
-#include <type_traits>
 #include <utility>
 
 #include <builtin/services/BuiltinServices.hpp>
@@ -23,17 +22,9 @@ namespace {
 // From the opaque class on, an array is an instance of a class rather than a plain array.
 constexpr kaClassID kFirstInstanceClassId = kaOPAQUE_CLASS;
 
-// The converter of an unsupported argument: the array as it is, with a new reference.
-Parameter passThrough(kaArray_tag* array, const ArgType* /*declared*/) {
-    if (array != nullptr) {
-        matrix::takeReference(array);
-    }
-    return Parameter(array);
-}
-
 const ArgumentClassification& unsupportedArgument() {
     static const ArgumentClassification unsupported{ArgType(types::UnsupportedArgType()),
-                                                    &passThrough};
+                                                    &types::passThroughConverter};
     return unsupported;
 }
 
@@ -71,17 +62,21 @@ ArgumentClassification& slotAt(ClassificationCache& known, std::size_t i) {
     return known.size() == i ? known.emplace_back() : known[i];
 }
 
-// Stores a classification at i. `Type` is an alternative of ArgType, built in place from
-// `arguments`, or ArgType itself, moved in.
-template <class Type, class... Arguments>
-const ArgumentClassification& keep(ClassificationCache& known, std::size_t i,
-                                   types::Converter converter, Arguments&&... arguments) {
+// Stores a classification at i, with its type moved in.
+const ArgumentClassification& keep(ClassificationCache& known, std::size_t i, ArgType&& type,
+                                   types::Converter converter) {
     ArgumentClassification& slot = slotAt(known, i);
-    if constexpr (std::is_same_v<Type, ArgType>) {
-        slot.type = ArgType(std::forward<Arguments>(arguments)...);
-    } else {
-        slot.type.template emplace<Type>(std::forward<Arguments>(arguments)...);
-    }
+    slot.type = std::move(type);
+    slot.converter = converter;
+    return slot;
+}
+
+// Stores a classification at i whose type, one alternative of ArgType, is built in place.
+template <class Alternative, class... Arguments>
+const ArgumentClassification& keepNew(ClassificationCache& known, std::size_t i,
+                                      types::Converter converter, Arguments&&... arguments) {
+    ArgumentClassification& slot = slotAt(known, i);
+    slot.type.template emplace<Alternative>(std::forward<Arguments>(arguments)...);
     slot.converter = converter;
     return slot;
 }
@@ -95,20 +90,20 @@ const ArgumentClassification& VariantSignature::classify(std::size_t i) const {
     }
     kaArray_tag* const array = prhs[i];
     if (array == nullptr) {
-        return keep<types::UnsupportedArgType>(known, i, &passThrough);
+        return keepNew<types::UnsupportedArgType>(known, i, &types::passThroughConverter);
     }
     if (!isClassifiable(classIdOf(array))) {
         grow(known, i);
         return unsupportedArgument();
     }
     if (const types::Converter scalar = types::detail::realScalarConverter(array)) {
-        return keep<types::NumericScalarTypes>(known, i, scalar,
-                                               static_cast<kaClassID>(array->storedClass),
-                                               types::NumericScalarTypes::Complexity::REAL);
+        return keepNew<types::NumericScalarTypes>(known, i, scalar,
+                                                  static_cast<kaClassID>(array->storedClass),
+                                                  types::NumericScalarTypes::Complexity::REAL);
     }
     try {
         auto [type, converter] = types::classifyKaArray(array);
-        return keep<ArgType>(known, i, converter, std::move(type));
+        return keep(known, i, std::move(type), converter);
     } catch (...) {
         // A refusal of classification ends here: the argument is unsupported for this look.
         grow(known, i);
@@ -118,10 +113,6 @@ const ArgumentClassification& VariantSignature::classify(std::size_t i) const {
 
 ArgType VariantSignature::getArgType(std::size_t i) const {
     return argType(i);
-}
-
-Parameter VariantSignature::passUnsupported(kaArray_tag* array) {
-    return passThrough(array, nullptr);
 }
 
 }  // namespace Norvane::builtin

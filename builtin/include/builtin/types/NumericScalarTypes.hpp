@@ -38,8 +38,14 @@ struct BUILTIN_API NumericScalarTypes
     Complexity getComplexity() const { return complexity; }
     void setComplexity(Complexity complexityOfValue) { complexity = complexityOfValue; }
 
-    // By element, then complexity, both as signed numbers.
-    bool operator<(const NumericScalarTypes& other) const;
+    // By element, then complexity, both as signed numbers. Inline: matching a declared scalar
+    // against a live one, the question of most calls, comes down to this.
+    bool operator<(const NumericScalarTypes& other) const {
+        if (element != other.element) {
+            return static_cast<std::int32_t>(element) < static_cast<std::int32_t>(other.element);
+        }
+        return static_cast<std::int32_t>(complexity) < static_cast<std::int32_t>(other.complexity);
+    }
 
     // The element alone, sign-extended: a real and a complex scalar of one class hash alike.
     std::size_t hash() const;

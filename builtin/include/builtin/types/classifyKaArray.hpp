@@ -26,7 +26,8 @@ using Converter = Parameter (*)(kaArray_tag* array, const ArgType* declared);
 
 // The converter of every array that is handed on as it is: takes a reference on the array (which
 // also clears its temporary mark) and returns it as alternative 13. `declared` is not read. An
-// argument that classifies as UnsupportedArgType, and so has no converter, is handed on this way.
+// argument that classifies as UnsupportedArgType, and so has no converter, is handed on this way;
+// a null argument stays null.
 BUILTIN_API Parameter passThroughConverter(kaArray_tag* array, const ArgType* declared);
 
 // The common core of classification: the type of the array and its converter. The converter is

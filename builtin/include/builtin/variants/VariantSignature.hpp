@@ -64,11 +64,11 @@ struct BUILTIN_API VariantSignature {
     Parameter toParameter(std::size_t i, const ArgType* declared) const {
         (void)argType(i);  // after this the cache reaches i, with a converter unless refused
         const types::Converter converter = (*cache)[i].converter;
-        return converter != nullptr ? converter(prhs[i], declared) : passUnsupported(prhs[i]);
+        return converter != nullptr ? converter(prhs[i], declared)
+                                    : types::passThroughConverter(prhs[i], declared);
     }
 
 private:
-    static Parameter passUnsupported(kaArray_tag* array);
     // Classifies argument i and keeps the result if it has a converter.
     const ArgumentClassification& classify(std::size_t i) const;
 };
