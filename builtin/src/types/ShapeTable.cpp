@@ -1,6 +1,4 @@
-// The shape table. The types of its rows with a fixed number of dimensions are process-wide
-// constants, made at first use for every class of a full array, so that classifying an array
-// builds nothing but the copy it returns.
+// The shape table over the native type constants.
 #include "ShapeTable.hpp"
 
 #include <algorithm>
@@ -11,62 +9,15 @@
 #include <ka/ka.hpp>
 
 #include "../calling/Converters.hpp"
+#include "NativeTypeTable.hpp"
 
 namespace Norvane::builtin::types::detail {
 
 namespace {
 
 using Shape = KaArrayTypes::Shape;
-using Density = KaArrayTypes::Density;
-using Complexity = KaArrayTypes::Complexity;
 
-constexpr std::size_t classCount = static_cast<std::size_t>(kaFUNCTION_CLASS) + 1;
-constexpr std::size_t shapeCount = static_cast<std::size_t>(Shape::ND) + 1;
-
-Complexity complexityOf(bool complex) {
-    return complex ? Complexity::COMPLEX : Complexity::NOT_COMPLEX;
-}
-
-class ShapeConstants {
-public:
-    ShapeConstants() {
-        struct Row {
-            Shape shape;
-            std::size_t dim;
-        };
-        static constexpr Row rows[] = {
-            {Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}, {Shape::EMPTY, 0}, {Shape::SCALAR, 0},
-            {Shape::ROW, 1},       {Shape::COLUMN, 1},    {Shape::TWO_D, 2},
-        };
-        for (std::size_t element = 0; element < classCount; ++element) {
-            for (const bool complex : {false, true}) {
-                for (const Row& row : rows) {
-                    at(static_cast<kaClassID>(element), complex, row.shape) =
-                        KaArrayTypes(static_cast<kaClassID>(element), row.shape, Density::FULL,
-                                     complexityOf(complex), row.dim);
-                }
-            }
-        }
-    }
-
-    const KaArrayTypes& get(kaClassID element, bool complex, Shape shape) const {
-        return types_[static_cast<std::size_t>(element)][complex ? 1 : 0]
-                     [static_cast<std::size_t>(shape)];
-    }
-
-private:
-    KaArrayTypes& at(kaClassID element, bool complex, Shape shape) {
-        return types_[static_cast<std::size_t>(element)][complex ? 1 : 0]
-                     [static_cast<std::size_t>(shape)];
-    }
-
-    std::array<std::array<std::array<KaArrayTypes, shapeCount>, 2>, classCount> types_;
-};
-
-const ShapeConstants& shapeConstants() {
-    static const ShapeConstants constants;
-    return constants;
-}
+constexpr std::size_t kClassCount = static_cast<std::size_t>(kaFUNCTION_CLASS) + 1;
 
 // Dimension d of an array. The array library keeps at least two dimensions; a shorter list
 // reads as trailing ones.
@@ -74,57 +25,94 @@ std::size_t extent(std::span<const std::size_t> dims, std::size_t d) {
     return d < dims.size() ? dims[d] : 1;
 }
 
-// The shape of a 2-D array that is not 1-by-1.
-Shape shapeOf(std::size_t rows, std::size_t columns) {
-    if (rows == 1) {
-        return columns == 0 ? Shape::EMPTY_ROW : Shape::ROW;
-    }
-    if (columns == 1) {
-        return rows == 0 ? Shape::EMPTY_COL : Shape::COLUMN;
-    }
-    return rows >= 2 && columns >= 2 ? Shape::TWO_D : Shape::EMPTY;
+// The element of a full array; the caller has checked that the class has one.
+NativeElement elementOf(kaClassID element, bool complex) noexcept {
+    return *nativeElementOfClass(element, complex);
 }
 
-// A real scalar of every numeric class unboxes; a complex one only for the floating classes,
-// since a Parameter has no complex integer. Everything else stays an array.
-std::pair<ArgType, Converter> classifyOneByOne(kaClassID element, bool complex) {
-    const bool unboxes = complex ? (element == kaDOUBLE_CLASS || element == kaSINGLE_CLASS)
-                                 : isNumericElementClass(element);
-    if (unboxes) {
-        return {NumericScalarTypes(element, complex ? NumericScalarTypes::Complexity::COMPLEX
-                                                    : NumericScalarTypes::Complexity::REAL),
-                scalarConverterOf(element, complex)};
+// A copy of the constant with the shape, and the count where given, of the live array.
+ArgType corrected(const ArgType& constant, Shape shape, std::size_t dim) {
+    KaArrayTypes type = std::get<KaArrayTypes>(constant);
+    type.shape = shape;
+    type.dim = dim;
+    return type;
+}
+
+// 1-by-1 arrays: the scalar constant of the element, unboxed by its own converter where the
+// constant is a number; the others stay arrays.
+std::pair<ArgType, Converter> classifyOneByOne(NativeElement element, kaClassID id, bool complex) {
+    const ArgType& scalar = nativeConstant(element, NativeShape::SCALAR);
+    const bool unboxes = std::holds_alternative<NumericScalarTypes>(scalar);
+    return {scalar, unboxes ? scalarConverterOf(id, complex) : &passThroughConverter};
+}
+
+// A 2-D array that is not 1-by-1.
+ArgType typeOf2D(NativeElement element, std::size_t rows, std::size_t columns) {
+    const ArgType& empty = nativeConstant(element, NativeShape::EMPTY);
+    if (rows == 1) {
+        return columns == 0 ? corrected(empty, Shape::EMPTY_ROW, 0)
+                            : nativeConstant(element, NativeShape::ROW);
     }
-    return {shapeConstants().get(element, complex, Shape::SCALAR), &passThroughConverter};
+    if (columns == 1) {
+        return rows == 0 ? corrected(empty, Shape::EMPTY_COL, 0)
+                         : nativeConstant(element, NativeShape::COLUMN);
+    }
+    return rows >= 2 && columns >= 2 ? nativeConstant(element, NativeShape::MATRIX) : empty;
+}
+
+// The scalar constant and converter of each class, side by side, so that the answer for the
+// commonest argument is one lookup. Kept out of line, so that the fast path does not pay for
+// the registers of its first run.
+[[gnu::noinline]] std::array<RealScalar, kClassCount> realScalarRows() noexcept {
+    std::array<RealScalar, kClassCount> rows{};
+    for (std::size_t id = 0; id < kClassCount; ++id) {
+        const auto element = static_cast<kaClassID>(id);
+        if (isNumericElementClass(element)) {
+            rows[id] = {&std::get<NumericScalarTypes>(
+                            nativeConstant(elementOf(element, false), NativeShape::SCALAR)),
+                        scalarConverterOf(element, false)};
+        }
+    }
+    return rows;
 }
 
 }  // namespace
 
-std::pair<ArgType, Converter> classifyByShape(const kaArray_tag* array, kaClassID element,
+std::pair<ArgType, Converter> classifyByShape(const kaArray_tag* array, kaClassID id,
                                               bool complex) {
+    const NativeElement element = elementOf(id, complex);
     const std::span<const std::size_t> dims = matrix::dimensions(array);
     if (dims.size() > 2) {
         const bool empty = std::find(dims.begin(), dims.end(), std::size_t{0}) != dims.end();
-        return {KaArrayTypes(element, empty ? Shape::EMPTY : Shape::ND, Density::FULL,
-                             complexityOf(complex), dims.size()),
+        return {empty ? corrected(nativeConstant(element, NativeShape::EMPTY), Shape::EMPTY,
+                                  dims.size())
+                      : corrected(nativeConstant(element, NativeShape::ND), Shape::ND,
+                                  dims.size()),
                 &passThroughConverter};
     }
     const std::size_t rows = extent(dims, 0);
     const std::size_t columns = extent(dims, 1);
     if (rows == 1 && columns == 1) {
-        return classifyOneByOne(element, complex);
+        return classifyOneByOne(element, id, complex);
     }
-    return {shapeConstants().get(element, complex, shapeOf(rows, columns)), &passThroughConverter};
+    return {typeOf2D(element, rows, columns), &passThroughConverter};
 }
 
-Converter realScalarConverter(const kaArray_tag* array) noexcept {
-    const Converter converter = scalarConverterOf(static_cast<kaClassID>(array->storedClass), false);
-    if (converter == nullptr || matrix::isSparse(array) || matrix::isComplex(array)) {
-        return nullptr;
+const ArgType& sparseTypeOf(kaClassID id, bool complex) noexcept {
+    return nativeConstant(elementOf(id, complex), NativeShape::SPARSE);
+}
+
+RealScalar classifyRealScalar(const kaArray_tag* array) noexcept {
+    static const std::array<RealScalar, kClassCount> byClass = realScalarRows();
+    const auto id = static_cast<std::size_t>(array->storedClass);
+    if (id >= kClassCount || matrix::isSparse(array) || matrix::isComplex(array)) {
+        return {nullptr, nullptr};
     }
     const std::span<const std::size_t> dims = matrix::dimensions(array);
-    const bool oneByOne = dims.size() <= 2 && extent(dims, 0) == 1 && extent(dims, 1) == 1;
-    return oneByOne ? converter : nullptr;
+    if (dims.size() > 2 || extent(dims, 0) != 1 || extent(dims, 1) != 1) {
+        return {nullptr, nullptr};
+    }
+    return byClass[id];
 }
 
 }  // namespace Norvane::builtin::types::detail

@@ -3,7 +3,6 @@
 #include <builtin/types/StringTraits.hpp>
 
 #include <cstring>
-#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -12,17 +11,13 @@
 #include <fl/i18n.hpp>
 #include <ka/ka.hpp>
 
-#include <builtin/types/StringClassId.hpp>
+#include <builtin/types/NativeArgTypes.hpp>
 
 #include "HeldServices.hpp"
 
 namespace Norvane::builtin::types {
 
 namespace {
-
-using Shape = KaArrayTypes::Shape;
-using Density = KaArrayTypes::Density;
-using Complexity = KaArrayTypes::Complexity;
 
 [[noreturn]] void rejectNonString() {
     throw std::invalid_argument("only scalar strings or char row vectors are expected.");
@@ -78,21 +73,8 @@ kaArray_tag* toArray(std::u16string value) {
 }  // namespace
 
 ArgType getStringArgType(std::size_t index) {
-    static const ArgType charRowType =
-        KaArrayTypes(kaCHAR_CLASS, Shape::ROW, Density::FULL, Complexity::NOT_COMPLEX, 1);
-    static const ArgType emptyCharType =
-        KaArrayTypes(kaCHAR_CLASS, Shape::EMPTY, Density::FULL, Complexity::NOT_COMPLEX, 0);
-    switch (index) {
-        case 0: {
-            const std::optional<kaClassID> stringClassId = detail::getKnownStringClassId();
-            if (!stringClassId) return UnsupportedArgType{};
-            return KaArrayTypes(*stringClassId, Shape::SCALAR, Density::FULL,
-                                Complexity::NOT_COMPLEX, 0);
-        }
-        case 1: return charRowType;
-        case 2: return emptyCharType;
-        default: return UnsupportedArgType{};
-    }
+    return index < nativeStringArgTypeCount ? nativeStringArgType(index)
+                                            : ArgType(UnsupportedArgType{});
 }
 
 std::u16string TypeTraitsImpl<std::u16string>::operator()(const kaArray_tag* const array,

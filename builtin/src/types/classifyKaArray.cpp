@@ -52,11 +52,7 @@ std::pair<ArgType, Converter> classifySparse(const kaArray_tag* array, kaClassID
     if (matrix::numberOfDimensions(array) != 2) {
         matrix::detail::rejectArrayShape(array, sparseView(stored, complex));
     }
-    return {KaArrayTypes(stored, KaArrayTypes::Shape::TWO_D, KaArrayTypes::Density::SPARSE,
-                         complex ? KaArrayTypes::Complexity::COMPLEX
-                                 : KaArrayTypes::Complexity::NOT_COMPLEX,
-                         2),
-            &passThroughConverter};
+    return {detail::sparseTypeOf(stored, complex), &passThroughConverter};
 }
 
 // An array stored as a struct may be an engine object in disguise; only a known object class,

@@ -96,10 +96,8 @@ const ArgumentClassification& VariantSignature::classify(std::size_t i) const {
         grow(known, i);
         return unsupportedArgument();
     }
-    if (const types::Converter scalar = types::detail::realScalarConverter(array)) {
-        return keepNew<types::NumericScalarTypes>(known, i, scalar,
-                                                  static_cast<kaClassID>(array->storedClass),
-                                                  types::NumericScalarTypes::Complexity::REAL);
+    if (const auto scalar = types::detail::classifyRealScalar(array); scalar.converter) {
+        return keepNew<types::NumericScalarTypes>(known, i, scalar.converter, *scalar.type);
     }
     try {
         auto [type, converter] = types::classifyKaArray(array);

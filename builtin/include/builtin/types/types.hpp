@@ -5,6 +5,7 @@
 #include <builtin/types/FlagInputType.hpp>
 #include <builtin/types/KaArrayTypes.hpp>
 #include <builtin/types/KeldorStringType.hpp>
+#include <builtin/types/NativeArgTypes.hpp>
 #include <builtin/types/NumericScalarTypes.hpp>
 #include <builtin/types/OrroObjectTypes.hpp>
 #include <builtin/types/StringClassId.hpp>
