@@ -6,6 +6,8 @@
 
 #include <foundation/log/diagnostic_logger.hpp>
 
+#include <builtin/variants/BuiltinVariantLists.hpp>
+
 namespace Norvane::builtin {
 
 namespace {
@@ -28,6 +30,11 @@ void writeVariantArray(std::ostream& os, const VariantArray& array) {
         os << array.first[i];
     }
     os << '\n';
+}
+
+// A list's data and size; null and 0 for an empty list.
+VariantArray viewOf(const std::vector<BuiltinVariant>& list) {
+    return list.empty() ? VariantArray(nullptr, 0) : VariantArray(list.data(), list.size());
 }
 
 }  // namespace
@@ -53,6 +60,14 @@ BuiltinFcn::BuiltinFcn(std::string name, capabilities::CapabilityList capabiliti
                                              __LINE__);
     logConstruction();
 }
+
+BuiltinFcn::BuiltinFcn(std::string name, capabilities::CapabilityList capabilities,
+                       const builtinreg::BuiltinVariantLists& lists, BuiltinVariant defaultVariant,
+                       Zfh_KELDOR_fn* decoratedFn)
+    : BuiltinFcn(std::move(name), capabilities, viewOf(lists.all), viewOf(lists.searchedByOrro),
+                 viewOf(lists.searchedByInvokeAfterOrro), viewOf(lists.searchedByInvokeNoOrro),
+                 std::move(defaultVariant), decoratedFn,
+                 viewOf(lists.searchedByInvokeAfterOrroComplexScalarRhs)) {}
 
 BuiltinFcn::BuiltinFcn(const BuiltinFcn& other) = default;
 

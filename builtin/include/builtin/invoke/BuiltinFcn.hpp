@@ -23,6 +23,10 @@ struct kaArray_tag;
 
 namespace Norvane::builtin {
 
+namespace builtinreg {
+struct BuiltinVariantLists;
+}
+
 class BUILTIN_API BuiltinFcn {
 public:
     // Which lists `invoke` searches. Any value other than InvokeNoOrro counts as InvokeAfterOrro.
@@ -70,6 +74,10 @@ protected:
                VariantArray searchedByOrro, VariantArray searchedByInvokeAfterOrro,
                VariantArray searchedByInvokeNoOrro, BuiltinVariant defaultVariant,
                Zfh_KELDOR_fn* decoratedFn, VariantArray searchedByInvokeAfterOrroComplexScalar);
+    // Views the five lists, which must outlive this object and stay where they are.
+    BuiltinFcn(std::string name, capabilities::CapabilityList capabilities,
+               const builtinreg::BuiltinVariantLists& lists, BuiltinVariant defaultVariant,
+               Zfh_KELDOR_fn* decoratedFn);
 
 private:
     void invokeDefaultImplementation(int nlhs, kaArray_tag** plhs, int nrhs,

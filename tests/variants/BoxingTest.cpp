@@ -1,0 +1,115 @@
+// Boxing variants: their levels, the consistency checks that stop a broken declaration, the
+// record of conversions, and the report of a failed conversion.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <typeinfo>
+
+#include <fl/diag.hpp>
+#include <foundation/log/test/memory_sink.hpp>
+
+#include <builtin/variants/BoxingVariants.hpp>
+
+#include "VariantBuilders.hpp"
+
+namespace varianttest {
+namespace {
+
+using namespace builtinreg::detail;
+using enum OrroSupportLevel;
+
+TEST(FillBoxedVariants, LevelsStartAtOrroOnly) {
+    const BuiltinVariant declared = makeVariant({.in = {scalar(kaSINGLE_CLASS)}, .out = {scalar()}});
+    const BuiltinVariant prototype = boxingOf(declared, declared);
+    ASSERT_EQ(prototype.orroSupportLevel, EQUIVALENT_SUPPORT);
+    std::vector<std::vector<ArgType>> boxed = {{scalar()}, {scalar(kaDOUBLE_CLASS, true)}};
+    std::vector<BuiltinVariant> variants;
+    fillBoxedVariants(prototype, variants, std::move(boxed));
+    ASSERT_EQ(variants.size(), 2u);
+    EXPECT_EQ(variants[0].inputArgTypes, std::vector<ArgType>{scalar()});
+    EXPECT_EQ(variants[0].inputTypes, std::vector<std::string>{"double"});
+    EXPECT_EQ(variants[0].orroSupportLevel, ORRO_ONLY);
+    EXPECT_EQ(variants[1].orroSupportLevel, NO_SUPPORT) << "a complex scalar input is not for the engine";
+    EXPECT_EQ(variants[1].originalVariant, prototype.originalVariant);
+    EXPECT_EQ(variants[1].outputTypes, declared.outputTypes);
+
+    std::vector<BuiltinVariant> noInputs;
+    fillBoxedVariants(boxingOf(makeVariant({}), makeVariant({})), noInputs, {{}});
+    ASSERT_EQ(noInputs.size(), 1u);
+    EXPECT_EQ(noInputs[0].orroSupportLevel, ORRO_ONLY);
+}
+
+TEST(BoxingVariantDeathTest, InconsistentBoxingVariantsStop) {
+    const BuiltinVariant original = makeVariant({.in = {scalar()}, .out = {scalar()}});
+    assertBoxingVariantConsistent(makeVariant({.in = {scalar(kaSINGLE_CLASS)}, .out = {scalar()}}), original);
+    BuiltinVariant fewerInputTypes = original;
+    fewerInputTypes.inputTypes.clear();
+    BuiltinVariant fewerInputs = original;
+    fewerInputs.inputArgTypes.clear();
+    // The same text for a different type: only the ArgTypes tell them apart.
+    BuiltinVariant otherOutputType = original;
+    otherOutputType.outputArgTypes = {scalar(kaSINGLE_CLASS)};
+    const struct {
+        const BuiltinVariant& boxing;
+        const char* text;
+    } broken[] = {
+        {fewerInputTypes, "boxingVariant\\.inputTypes\\.size\\(\\) == originalVariant\\.inputTypes\\.size\\(\\)"},
+        {fewerInputs, "boxingVariant\\.inputArgTypes\\.size\\(\\) == originalVariant\\.inputArgTypes\\.size\\(\\)"},
+        {makeVariant({.in = {scalar()}}), "std::equal\\(boxingVariant\\.outputTypes\\.cbegin\\(\\), "
+                                          "boxingVariant\\.outputTypes\\.cend\\(\\), originalVariant\\.outputTypes\\."
+                                          "cbegin\\(\\), originalVariant\\.outputTypes\\.cend\\(\\)\\)"},
+        {otherOutputType, "std::equal\\(boxingVariant\\.outputArgTypes\\.cbegin\\(\\), boxingVariant\\."
+                          "outputArgTypes\\.cend\\(\\), originalVariant\\.outputArgTypes\\.cbegin\\(\\), "
+                          "originalVariant\\.outputArgTypes\\.cend\\(\\)\\)"},
+    };
+    for (const auto& c : broken) {
+        EXPECT_DEATH(assertBoxingVariantConsistent(c.boxing, original),
+                     std::string(c.text) + "\n  at builtin2/interface/builtin/MakeVariant:");
+    }
+}
+
+TEST(BoxingVariant, ConversionRecord) {
+    const BuiltinVariant variant = makeVariant({.in = {scalar(), anyArray()}});
+    foundation::log::test::memory_sink sink("builtin2::Boxing");
+    logBoxingInputConversions({typeid(double)}, {typeid(int)}, variant);
+    EXPECT_EQ(sink.size(), 0u) << "the mask is off";
+
+    foundation::log::test::scoped_channel_mask mask("builtin2::Boxing", 4);
+    logBoxingInputConversions({typeid(double), typeid(kaArray_tag*)}, {typeid(int), typeid(float)}, variant);
+    logBoxingInputConversions({}, {}, makeVariant({}));
+    const auto name = [](const std::type_info& t) {
+        return foundation::core::diag::detail::demangle_typeid_name(t.name(), true);
+    };
+    ASSERT_EQ(sink.size(), 2u);
+    EXPECT_EQ(sink.records()[0].severity, 4u);
+    EXPECT_EQ(sink.texts()[0], "Developer inputs: \"" + name(typeid(double)) + "\", \"" + name(typeid(kaArray_tag*)) +
+                                   "\"\nBoxed inputs: \"" + name(typeid(int)) + "\", \"" + name(typeid(float)) +
+                                   "\"\nArgTypes: \"" + variant.inputTypes[0] + "\"\n" + variant.inputTypes[1]);
+    EXPECT_EQ(sink.texts()[1], "Developer inputs: \"\"\nBoxed inputs: \"\"\nArgTypes: \"");
+}
+
+struct RecordingAccessors final : IOrroBuiltinAccessors, IOrroBuiltinEnvironment {
+    std::exception_ptr recorded;
+    IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
+    void AddWarningMessage(const std::u16string&) override {}
+    void SetInternalPendingException() override { recorded = std::current_exception(); }
+};
+
+TEST(BoxingVariant, FailedConversionIsReportedLikeCanThrow) {
+    bool pending = false;
+    handleBoxingException(pending, nullptr);
+    EXPECT_TRUE(pending);
+
+    RecordingAccessors environment;
+    pending = false;
+    try {
+        throw std::invalid_argument("conversion failed");
+    } catch (...) {
+        handleBoxingException(pending, &environment);
+    }
+    EXPECT_TRUE(pending);
+    EXPECT_THROW(std::rethrow_exception(environment.recorded), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace varianttest

@@ -1,0 +1,231 @@
+// From a declaration to sorted variants: the native type constants and their getters, the cross
+// product of possible types, flags, and the fatal checks of declaring templates. No service is
+// started here, so the string getter has no scalar string.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <stdexcept>
+
+#include <ka/ka.hpp>
+
+#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/variants/ArgTypes.hpp>
+#include <builtin/variants/MakeVariant.hpp>
+
+#include "VariantBuilders.hpp"
+
+namespace varianttest {
+namespace {
+
+using builtinreg::getArgTypes;
+using NE = NativeElement;
+using NS = NativeShape;
+using namespace builtinreg::detail;
+
+KaArrayTypes array(kaClassID element, Shape shape, std::size_t dim, bool complex = false,
+                   KaArrayTypes::Density density = KaArrayTypes::Density::FULL) {
+    return KaArrayTypes(element, shape, density,
+                        complex ? KaArrayTypes::Complexity::COMPLEX : KaArrayTypes::Complexity::NOT_COMPLEX,
+                        dim);
+}
+
+TEST(NativeArgTypes, OneStrictConstantPerElementAndShape) {
+    std::set<const ArgType*> distinct;
+    for (std::size_t e = 0; e < nativeElementCount; ++e) {
+        for (std::size_t s = 0; s <= nativeShapeCount; ++s) {
+            const auto element = static_cast<NE>(e);
+            const auto shape = static_cast<NS>(s);
+            if (shape == NS::SPARSE && !hasSparseView(element)) {
+                EXPECT_THROW(nativeArgType(element, shape), std::invalid_argument);
+                continue;
+            }
+            const ArgType& type = nativeArgType(element, shape);
+            EXPECT_EQ(&type, &nativeArgType(element, shape)) << "made once";
+            if (const auto* a = std::get_if<KaArrayTypes>(&type)) {
+                EXPECT_EQ(a->tolerance, SignatureTolerance::STRICT);
+            }
+            distinct.insert(&type);
+        }
+    }
+    EXPECT_EQ(distinct.size(), 155u);
+
+    const struct {
+        const char* name;
+        const ArgType& constant;
+        ArgType expected;
+    } rows[] = {
+        {"double", getNativeArgType<double, NS::SCALAR>(0), scalar()},
+        {"complex double", getNativeArgType<std::complex<double>, NS::SCALAR>(0), scalar(kaDOUBLE_CLASS, true)},
+        {"char16_t", getNativeArgType<char16_t, NS::SCALAR>(0), scalar(kaCHAR_CLASS)},
+        {"complex int8 scalar", getNativeArgType<std::complex<std::int8_t>, NS::SCALAR>(0),
+         array(kaINT8_CLASS, Shape::SCALAR, 0, true)},
+        {"cell scalar", getNativeArgType<matrix::cell, NS::SCALAR>(0), array(kaCELL_CLASS, Shape::SCALAR, 0)},
+        {"uint16 row", getNativeArgType<std::uint16_t, NS::ROW>(0), array(kaUINT16_CLASS, Shape::ROW, 1)},
+        {"bool column", getNativeArgType<bool, NS::COLUMN>(0), array(kaLOGICAL_CLASS, Shape::COLUMN, 1)},
+        {"struct matrix", getNativeArgType<matrix::structure, NS::MATRIX>(0), array(kaSTRUCT_CLASS, Shape::TWO_D, 2)},
+        {"handle empty", getNativeArgType<matrix::functionhandle, NS::EMPTY>(0),
+         array(kaFUNCTION_CLASS, Shape::EMPTY, 0)},
+        {"complex single N-d", getNativeArgType<std::complex<float>, NS::ND>(0), array(kaSINGLE_CLASS, Shape::ND, 3, true)},
+        {"sparse complex double", getNativeArgType<std::complex<double>, NS::SPARSE>(0),
+         array(kaDOUBLE_CLASS, Shape::TWO_D, 2, true, KaArrayTypes::Density::SPARSE)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.constant, row.expected);
+    }
+}
+
+TEST(NativeArgTypes, GettersTakeOnlyTheirIndices) {
+    const auto expectInvalidSubscript = [](auto&& call) {
+        try {
+            call();
+            ADD_FAILURE() << "no exception";
+        } catch (const std::out_of_range& e) {
+            EXPECT_STREQ(e.what(), "invalid array<T, N> subscript");
+        }
+    };
+    expectInvalidSubscript([] { getNativeArgType<double, NS::SCALAR>(1); });
+    expectInvalidSubscript([] { nativeStringArgType(3); });
+    // Without StringSupport the scalar string does not exist; the char forms do.
+    EXPECT_TRUE(std::holds_alternative<UnsupportedArgType>(nativeStringArgType(0)));
+    EXPECT_EQ(nativeStringArgType(1), ArgType(array(kaCHAR_CLASS, Shape::ROW, 1)));
+    EXPECT_EQ(nativeStringArgType(2), ArgType(array(kaCHAR_CLASS, Shape::EMPTY, 0)));
+}
+
+// Live arrays classify to the declared constants, with the shapes only live arrays have marked.
+TEST(NativeArgTypes, ClassificationReadsTheSameConstants) {
+    const struct {
+        const char* name;
+        ka::ArrayPtr array;
+        ArgType expected;
+    } rows[] = {
+        {"2-by-3 double", ka::createNumeric(kaDOUBLE_CLASS, {2, 3}), nativeArgType(NE::DOUBLE, NS::MATRIX)},
+        {"1-by-3 double", ka::row({1.0, 2.0, 3.0}), nativeArgType(NE::DOUBLE, NS::ROW)},
+        {"1-by-1 double", ka::scalar(2.0), nativeArgType(NE::DOUBLE, NS::SCALAR)},
+        {"1-by-0 double", ka::createNumeric(kaDOUBLE_CLASS, {1, 0}), array(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0)},
+        {"0-by-1 double", ka::createNumeric(kaDOUBLE_CLASS, {0, 1}), array(kaDOUBLE_CLASS, Shape::EMPTY_COL, 0)},
+        {"2-by-2-by-2-by-2 double", ka::createNumeric(kaDOUBLE_CLASS, {2, 2, 2, 2}), array(kaDOUBLE_CLASS, Shape::ND, 4)},
+        {"2-by-0-by-3 double", ka::createNumeric(kaDOUBLE_CLASS, {2, 0, 3}), array(kaDOUBLE_CLASS, Shape::EMPTY, 3)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(getArgTypeOfKaArray(row.array.get()), row.expected);
+    }
+}
+
+// A getter over a fixed table, to see which index went where.
+const ArgType& fromTable(const std::vector<ArgType>& table, std::size_t index) { return table.at(index); }
+const std::vector<ArgType> kFirst = {scalar(kaINT8_CLASS), scalar(kaINT16_CLASS)};
+const std::vector<ArgType> kSecond = {scalar(kaUINT8_CLASS), scalar(kaUINT16_CLASS), scalar(kaUINT32_CLASS)};
+const ArgType& first(std::size_t i) { return fromTable(kFirst, i); }
+const ArgType& second(std::size_t i) { return fromTable(kSecond, i); }
+const ArgType& anyDoubleArray(std::size_t i) {
+    static const ArgType type = array(kaDOUBLE_CLASS, Shape::ROW, 1);
+    return i == 0 ? type : fromTable({}, i);
+}
+
+TEST(GetArgTypes, CrossProductWithTheFirstParameterFastest) {
+    const builtinreg::ArgTypes types = getArgTypes(SignatureTolerance::STRICT, {2, 3}, {&first, &second}, nullptr);
+    const std::vector<std::pair<std::size_t, std::size_t>> order = {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {0, 2}, {1, 2}};
+    ASSERT_EQ(types.inputs.size(), order.size());
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        EXPECT_EQ(types.inputs[k], (std::vector<ArgType>{kFirst[order[k].first], kSecond[order[k].second]}));
+    }
+    EXPECT_TRUE(types.outputs.empty());
+
+    const builtinreg::ArgTypes none = getArgTypes(SignatureTolerance::STRICT, {}, {}, &first);
+    EXPECT_EQ(none.inputs, (std::vector<std::vector<ArgType>>{{}}));
+    EXPECT_EQ(none.outputs, (std::vector<ArgType>{kFirst[0]}));
+
+    EXPECT_THROW(getArgTypes(SignatureTolerance::STRICT, {SIZE_MAX / 2, 3}, {&first, &second}, nullptr),
+                 std::length_error);
+}
+
+TEST(GetArgTypes, ToleranceGoesOnCopiesOfArrayTypesOnly) {
+    const builtinreg::ArgTypes types =
+        getArgTypes(SignatureTolerance::RELAXED, {1, 1}, {&anyDoubleArray, &first}, &anyDoubleArray);
+    ASSERT_EQ(types.inputs.size(), 1u);
+    EXPECT_EQ(std::get<KaArrayTypes>(types.inputs[0][0]).tolerance, SignatureTolerance::RELAXED);
+    EXPECT_EQ(types.inputs[0][1], kFirst[0]);
+    EXPECT_EQ(std::get<KaArrayTypes>(types.outputs[0]).tolerance, SignatureTolerance::RELAXED);
+    EXPECT_EQ(std::get<KaArrayTypes>(anyDoubleArray(0)).tolerance, SignatureTolerance::STRICT);
+}
+
+TEST(GetArgTypes, StreamForm) {
+    std::ostringstream both, none;
+    both << getArgTypes(SignatureTolerance::STRICT, {1, 1}, {&first, &second}, nullptr);
+    EXPECT_EQ(both.str(), "outputs: nil\ninputs: [  [ int8, uint8 ]\n]\n");
+    none << getArgTypes(SignatureTolerance::STRICT, {2}, {&first}, &second);
+    EXPECT_EQ(none.str(), "outputs: [ uint8 ]\ninputs: [  [ int8 ],\n  [ int16 ]\n]\n");
+}
+
+TEST(GetArgTypesDeathTest, ListsOfDifferentLengthsStop) {
+    EXPECT_DEATH(getArgTypes(SignatureTolerance::STRICT, {1, 1}, {&first}, nullptr),
+                 "numArgTypes.size\\(\\) == getArgType.size\\(\\)\n  at builtin2/interface/builtin/getArgTypes:");
+}
+
+void append(std::vector<BuiltinVariant>& variants, builtinreg::ArgTypes types, const FlagList& flags = {}) {
+    appendNewVariants(variants, nullptr, V::CallsIntoKeldor::NO, V::HasSideEffects::NO, "native", "fn", "double",
+                      flags, V::HasExceptions::NO, {&unusedEntry, nullptr, JIT_CALLING_CONVENTION::Direct},
+                      V::IsElementWise::NO, V::HasWarnings::NO, std::move(types.outputs), std::move(types.inputs));
+}
+
+TEST(AppendNewVariants, DropsUnsupportedSignaturesAndSorts) {
+    std::vector<BuiltinVariant> variants;
+    // The string getter without StringSupport: only its own signature goes.
+    append(variants, getArgTypes(SignatureTolerance::STRICT, {2, 3}, {&first, &nativeStringArgType}, nullptr));
+    ASSERT_EQ(variants.size(), 4u);
+    EXPECT_TRUE(std::is_sorted(variants.begin(), variants.end()));
+    for (const BuiltinVariant& v : variants) {
+        EXPECT_FALSE(isUnsupportedBuiltinVariant(v));
+        EXPECT_EQ(v.inputTypes.size(), 2u);
+    }
+
+    std::vector<BuiltinVariant> unsupportedOutput;
+    append(unsupportedOutput, getArgTypes(SignatureTolerance::STRICT, {1}, {&first}, &nativeStringArgType));
+    EXPECT_TRUE(unsupportedOutput.empty());
+
+    // No signatures: nothing added, what is there sorted all the same.
+    std::vector<BuiltinVariant> unsorted = {makeVariant({.in = {scalar(), scalar()}}), makeVariant({.in = {scalar()}})};
+    append(unsorted, {});
+    ASSERT_EQ(unsorted.size(), 2u);
+    EXPECT_EQ(unsorted[0].inputArgTypes.size(), 1u);
+}
+
+TEST(AppendNewVariants, FlagsGoInAtAscendingPositions) {
+    FlagList flags = {{2, "y"}, {0, "x"}};
+    sortFlags(flags);
+    std::vector<BuiltinVariant> variants;
+    append(variants, getArgTypes(SignatureTolerance::STRICT, {1, 1}, {&first, &second}, &first), flags);
+    ASSERT_EQ(variants.size(), 1u);
+    const BuiltinVariant& v = variants[0];
+    EXPECT_EQ(v.inputArgTypes, (std::vector<ArgType>{flag("x"), kFirst[0], flag("y"), kSecond[0]}));
+    ASSERT_EQ(v.inputTypes.size(), 4u);
+    EXPECT_EQ(v.inputTypes[0], "keldor_string<literal_flag<\"x\">>");
+    EXPECT_EQ(v.orroSupportLevel, OrroSupportLevel::EQUIVALENT_SUPPORT);
+}
+
+TEST(MakeVariant, AppendAndFindHelpers) {
+    std::vector<BuiltinVariant> second = {makeVariant({.in = {scalar()}})};
+    const BuiltinVariant* elements = second.data();
+    const std::vector<BuiltinVariant> joined = appendVariants({}, std::move(second));
+    EXPECT_EQ(joined.data(), elements) << "handed on, not copied";
+
+    const std::vector<BuiltinVariant> levels = {makeVariant({.name = "a"}), makeVariant({.callsBack = V::CallsIntoKeldor::YES}),
+                                                makeVariant({.name = "c"})};
+    using enum OrroSupportLevel;
+    EXPECT_EQ(findLastVariantWithSupportLevel(levels, {EQUIVALENT_SUPPORT, ORRO_ONLY}), &levels[2]);
+    EXPECT_EQ(findLastVariantWithSupportLevel(levels, {NO_SUPPORT}), &levels[1]);
+    EXPECT_EQ(findLastVariantWithSupportLevel(levels, {}), nullptr);
+    EXPECT_EQ(findLastVariantWithSupportLevel({}, {NO_SUPPORT}), nullptr);
+}
+
+TEST(MakeVariantDeathTest, NumberOfArgTypesMustMatch) {
+    assertNumberOfArgTypes(1, 2, 1, 2);
+    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 0, 2), "expectedNLhs == actualNLhs\n  at builtin2/interface/builtin/MakeVariant:");
+    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 1, 3), "expectedNRhs == actualNRhs\n  at builtin2/interface/builtin/MakeVariant:");
+}
+
+}  // namespace
+}  // namespace varianttest
