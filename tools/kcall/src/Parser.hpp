@@ -1,0 +1,41 @@
+// The parser of kcall lines. One line is one statement:
+//
+//   line       := [ [name '='] expr ] [';'] ['%' comment]
+//   expr       := number | char-row | string | name | name '(' [expr {',' expr}] ')'
+//               | '[' [row {(';' | newline) row}] ']' | '(' expr ')'
+//   row        := expr {[','] expr}
+//
+// Numbers are decimal with an optional exponent, Inf or NaN, with an optional sign, and an
+// i or j behind for an imaginary number; a real number and an imaginary one joined by + or -
+// without blanks ("3+4i") are one complex number. Inside brackets a blank separates elements,
+// so [1 -2] has two. 'text' is a char row, with '' for a quote; "text" a string, with "" for
+// a double quote. A newline inside brackets separates rows; a line whose brackets are still
+// open is incomplete (needsMoreInput).
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "Syntax.hpp"
+
+namespace kcall {
+
+// A line that is not in the grammar: the column (from 1) and what was expected there.
+class ParseError : public std::runtime_error {
+public:
+    ParseError(std::size_t column, const std::string& expected);
+    std::size_t column() const { return column_; }
+
+private:
+    std::size_t column_;
+};
+
+Statement parseLine(std::string_view line);
+
+// True if the text ends inside brackets or parentheses (outside quotes and comments), so that
+// an interactive reader should append the next line before parsing.
+bool needsMoreInput(std::string_view text);
+
+}  // namespace kcall

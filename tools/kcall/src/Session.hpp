@@ -1,0 +1,42 @@
+// A kcall session: lines in, results, warnings and errors out. Each line is parsed and run on
+// its own; a failed line leaves the variables as they were before it and does not stop the
+// session. Results go to `out` as the language shows them, or as JSON lines; warnings and
+// errors go to `err` as "Warning: ..." and "Error: ...", or in JSON mode to `out` as
+// {"warning": "..."} and {"error": "..."}.
+#pragma once
+
+#include <ostream>
+#include <string_view>
+
+#include "Evaluator.hpp"
+
+namespace kcall {
+
+class Session {
+public:
+    Session(const BuiltinDirectory& builtins, std::ostream& out, std::ostream& err, bool json);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    // Runs one line, which may hold newlines inside brackets. False if it failed.
+    bool runLine(std::string_view line);
+
+    // Whether any line so far failed.
+    bool anyFailed() const { return anyFailed_; }
+
+    const Evaluator& evaluator() const { return evaluator_; }
+
+private:
+    void warn(std::u16string_view text);
+    void reportError(std::string_view text);
+
+    Evaluator evaluator_;
+    std::ostream& out_;
+    std::ostream& err_;
+    bool json_;
+    bool anyFailed_ = false;
+    ka::WarningHandler previousHandler_;
+};
+
+}  // namespace kcall

@@ -1,0 +1,44 @@
+// The syntax of one kcall line: an optional assignment of one expression, where an expression
+// is a literal, a name, a call or a matrix of expressions. Each node keeps the column at which
+// it starts (from 1), so that errors of evaluation can point at it as parse errors do.
+#pragma once
+
+#include <complex>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kcall {
+
+struct Expr;
+using ExprPtr = std::unique_ptr<Expr>;
+
+struct Expr {
+    enum class Kind {
+        Number,   // a real or complex double: 3, -2.5e-3, Inf, 2i, 3+4i
+        CharRow,  // 'it''s'
+        String,   // "abc"
+        Name,     // a variable
+        Call,     // f(a, b)
+        Matrix,   // [a b; c d]
+    };
+
+    Kind kind;
+    std::size_t column = 0;
+    std::complex<double> number{};
+    bool imaginary = false;  // the literal has an imaginary part, even if it is 0
+    std::string text;        // the name, or the UTF-8 text of a char row or string
+    std::vector<ExprPtr> arguments;          // of a call
+    std::vector<std::vector<ExprPtr>> rows;  // of a matrix
+
+    Expr(Kind k, std::size_t c) : kind(k), column(c) {}
+};
+
+struct Statement {
+    std::string target;  // empty: the value goes to ans
+    ExprPtr value;       // null for a line with nothing to evaluate
+    bool quiet = false;  // ended in ';'
+};
+
+}  // namespace kcall
