@@ -9,6 +9,8 @@
 
 #include <builtin/types/ArgType.hpp>
 
+#include "fatal_text.hpp"
+
 namespace conversiontest {
 
 using namespace Norvane::builtin::types;
@@ -42,14 +44,6 @@ struct FakeArray {
     }
 };
 
-// The text as an extended regular expression that matches exactly it.
-inline std::string literal(const std::string& text) {
-    std::string out;
-    for (const char c : text) {
-        if (std::string("\\^$.|?*+()[]{}").find(c) != std::string::npos) out += '\\';
-        out += c;
-    }
-    return out;
-}
+using testsupport::literal;
 
 }  // namespace conversiontest

@@ -71,7 +71,10 @@ void* Store::insert(ID id, const std::type_info& type, Value&& value) {
     if (*madeFor != type)
         throw TypeError("The id " + std::to_string(id) + " was made for " +
                         detail::typeName(*madeFor) + ", not " + detail::typeName(type));
+    return emplace(id, type, std::move(value));
+}
 
+void* Store::emplace(ID id, const std::type_info& type, Value&& value) {
     std::unique_lock lock(mutex_);
     if (entries_.count(id) != 0)
         throw AlreadyExistsError("The tavi store has a value under id " + std::to_string(id) +

@@ -2,3 +2,6 @@
 #pragma once
 
 #include <builtin/invoke/BuiltinFcn.hpp>
+#include <builtin/invoke/CallsKeldorCheck.hpp>
+#include <builtin/invoke/DefaultImplementationChecks.hpp>
+#include <builtin/invoke/ExecutionDiagnostics.hpp>

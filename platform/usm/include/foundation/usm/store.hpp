@@ -30,6 +30,10 @@ namespace foundation::usm {
 
 using ID = std::size_t;
 
+namespace test {
+class store_access;
+}  // namespace test
+
 // A stored value: the pointer and the function that destroys it (never null).
 using Value = std::unique_ptr<void, void (*)(void*)>;
 
@@ -62,6 +66,7 @@ public:
 
 private:
     friend class CurrentTavi;
+    friend class test::store_access;
 
     struct Entry {
         const std::type_info* type;
@@ -72,6 +77,9 @@ private:
     std::unordered_map<ID, Entry> entries_;
     std::vector<ID> order_;         // insertion order, for destruction in reverse
     std::atomic<int> currentOn_{0};  // CurrentTavi scopes that name this store
+
+    // Stores a value whose id and type have been checked; throws AlreadyExistsError.
+    void* emplace(ID id, const std::type_info& type, Value&& value);
 };
 
 namespace scope {
