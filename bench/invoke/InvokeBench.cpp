@@ -18,8 +18,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -28,6 +26,7 @@
 #include <ka/ka.hpp>
 
 #include "AllocationCounter.hpp"
+#include "RecordingReporter.hpp"
 
 namespace {
 
@@ -155,33 +154,6 @@ BENCHMARK(InterpretedCallAfterThreeRefusals);
 
 // --- ratios -----------------------------------------------------------------------------------
 
-// Keeps the time per call of each benchmark: the median of the repetitions, or the single run.
-class RecordingReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            const std::string name = run.run_name.function_name;
-            if (run.run_type == Run::RT_Aggregate) {
-                if (run.aggregate_name != "median") continue;
-                medians.insert(name);
-            } else if (medians.count(name) != 0) {
-                continue;
-            }
-            times[name] = {run.GetAdjustedRealTime(), run.GetAdjustedCPUTime()};
-            counters[name] = run.counters;
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-
-    struct Times {
-        double real = 0;
-        double cpu = 0;
-    };
-    std::map<std::string, Times> times;
-    std::map<std::string, benchmark::UserCounters> counters;
-    std::set<std::string> medians;
-};
-
 double numpySqrtNanoseconds() {
     const std::string command = std::string(NUMPY_PYTHON) + " " + NUMPY_SQRT_SCRIPT + " 9 200000";
     FILE* pipe = ::popen(command.c_str(), "r");
@@ -197,7 +169,7 @@ double numpySqrtNanoseconds() {
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    RecordingReporter reporter;
+    benchsupport::RecordingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
 
