@@ -167,11 +167,8 @@ double numpySqrtNanoseconds() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     benchsupport::RecordingReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
+    if (!benchsupport::runBenchmarks(argc, argv, reporter)) return 1;
 
     const auto direct = reporter.times["DirectBaseline"];
     if (direct.real <= 0 || direct.cpu <= 0) return 0;

@@ -1,7 +1,7 @@
 // A console reporter that also keeps the times of each benchmark, so that a program can print
 // ratios between benchmarks of the same run after them. A benchmark is named by its function
 // and its arguments ("LiftedAdd/threads:2"); with --benchmark_repetitions its figures are the
-// medians of the repetitions.
+// medians of the repetitions. runBenchmarks below is the whole start of such a program.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -46,5 +46,15 @@ private:
 
     std::set<std::string> medians_;
 };
+
+// Runs the benchmarks that the command line selects, reporting to `reporter`. False if the
+// command line has arguments that Google Benchmark does not know.
+inline bool runBenchmarks(int argc, char** argv, RecordingReporter& reporter) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return false;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return true;
+}
 
 }  // namespace benchsupport

@@ -4,19 +4,12 @@
 
 #include <chrono>
 
-#include <live_arrays.hpp>
-
 #include "ElementWiseSupport.hpp"
 
 namespace elementwisetest {
 namespace {
 
 using enum JIT_CALLING_CONVENTION;
-
-double negate(double x) {
-  threads.note();
-  return -x;
-}
 
 // Element 0 waits until some other element has run on another thread, or two seconds. Only a
 // loop that has been shared out gets past the wait early.
@@ -66,21 +59,7 @@ bool pendingWithoutReport(double x, double* out, IOrroBuiltinEnvironment*,
   return true;
 }
 
-ka::ArrayPtr ramp(std::size_t count) {
-  std::vector<double> values(count);
-  for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<double>(i);
-  return ka::createFrom<double>({1, count}, values);
-}
-
-class ElementWiseReports : public testsupport::LiveArrayTest {
- protected:
-  void SetUp() override {
-    LiveArrayTest::SetUp();
-    threads.reset();
-  }
-  RecordingEnvironment parent;
-  bool pending = false;
-};
+using ElementWiseReports = LiftedCallTest;
 
 // Up to 1024 output elements the loop stays on the calling thread; above, it is shared out
 // unless a flag forbids it. mayThrowErrors does not.
@@ -114,7 +93,7 @@ TEST_F(ElementWiseReports, LoopsGoParallelOnlyAboveTheThresholdAndWhenTheFlagsAl
                                                              : entryOf(&negateFirst),
                                                   declared, c.flags);
     variant.functionDescriptor.callingConvention = Direct;
-    ParameterList arguments{give(ramp(c.count))};
+    ParameterList arguments{give(ramp({1, c.count}))};
     if (c.inputs == 2) arguments.push_back(Parameter(0.0));
     const ka::ArrayPtr result = resultArray(call(variant, &parent, pending, arguments));
     EXPECT_EQ(threads.calls, static_cast<long>(c.count));
@@ -136,7 +115,7 @@ TEST_F(ElementWiseReports, OneExceptionWinsAndTheResultIsDropped) {
                                 static_cast<std::size_t>(limit));
     threads.reset();
     RecordingEnvironment caller;
-    const Parameter result = call(variant, &caller, pending, {give(ramp(20000))});
+    const Parameter result = call(variant, &caller, pending, {give(ramp({1, 20000}))});
     EXPECT_EQ(result, Parameter(static_cast<kaArray_tag*>(nullptr)));
     EXPECT_TRUE(pending);
     EXPECT_EQ(threads.calls, 20000);
@@ -150,7 +129,7 @@ TEST_F(ElementWiseReports, WarningsArriveInElementOrderFromTheCallingThread) {
   auto variant = liftedVariant<double, 2>(entryOf(&warnEach), CanThrow, {.warns = true});
   tbb::global_control control(tbb::global_control::max_allowed_parallelism, 4);
   const ka::ArrayPtr result =
-      resultArray(call(variant, &parent, pending, {give(ramp(3000)), Parameter(1.0)}));
+      resultArray(call(variant, &parent, pending, {give(ramp({1, 3000})), Parameter(1.0)}));
   EXPECT_TRUE(pending);
   EXPECT_EQ(threads.offCaller, 0);
   ASSERT_EQ(parent.events.size(), 3000u);
@@ -163,7 +142,7 @@ TEST_F(ElementWiseReports, WarningsArriveInElementOrderFromTheCallingThread) {
 TEST_F(ElementWiseReports, PendingFollowsWhatTheCallerReceived) {
   // A kernel that answers true without reporting: the result stands and nothing is pending.
   auto quiet = liftedVariant<double, 1>(entryOf(&pendingWithoutReport), CanThrow, {.throws = true});
-  const ka::ArrayPtr kept = resultArray(call(quiet, &parent, pending, {give(ramp(3))}));
+  const ka::ArrayPtr kept = resultArray(call(quiet, &parent, pending, {give(ramp({1, 3}))}));
   EXPECT_EQ(elementsOf<double>(kept.get()), (std::vector<double>{0, -1, -2}));
   EXPECT_FALSE(pending);
   EXPECT_TRUE(parent.events.empty());
@@ -171,7 +150,7 @@ TEST_F(ElementWiseReports, PendingFollowsWhatTheCallerReceived) {
   // Without an environment the reports are lost, and the failure alone sets the flag.
   auto failing = liftedVariant<double, 1>(entryOf(&failFromFive), CanThrow, {.throws = true});
   pending = false;
-  EXPECT_EQ(call(failing, nullptr, pending, {give(ramp(10))}),
+  EXPECT_EQ(call(failing, nullptr, pending, {give(ramp({1, 10}))}),
             Parameter(static_cast<kaArray_tag*>(nullptr)));
   EXPECT_TRUE(pending);
 }

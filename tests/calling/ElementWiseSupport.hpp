@@ -18,6 +18,7 @@
 #include <builtin/calling/ElementWise.hpp>
 #include <builtin/variants/BuiltinVariant.hpp>
 #include <ka/ka.hpp>
+#include <live_arrays.hpp>
 
 namespace elementwisetest {
 
@@ -128,5 +129,30 @@ struct ThreadCount {
   }
 };
 inline ThreadCount threads;
+
+inline double negate(double x) {
+  threads.note();
+  return -x;
+}
+
+// An array of these dimensions holding 0, 1, 2, ... in column-major order.
+inline ka::ArrayPtr ramp(const ka::Dims& dims) {
+  std::size_t count = 1;
+  for (std::size_t size : dims) count *= size;
+  std::vector<double> values(count);
+  for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<double>(i);
+  return ka::createFrom<double>(dims, values);
+}
+
+// The fixture of lifted calls: no array left alive, a recording caller, counts cleared.
+class LiftedCallTest : public testsupport::LiveArrayTest {
+ protected:
+  void SetUp() override {
+    LiveArrayTest::SetUp();
+    threads.reset();
+  }
+  RecordingEnvironment parent;
+  bool pending = false;
+};
 
 }  // namespace elementwisetest

@@ -7,8 +7,6 @@
 #include <random>
 #include <utility>
 
-#include <live_arrays.hpp>
-
 #include "ElementWiseSupport.hpp"
 
 namespace elementwisetest {
@@ -17,25 +15,13 @@ namespace {
 using builtinreg::detail::elementWiseInlineC;
 using enum JIT_CALLING_CONVENTION;
 
-double negate(double x) {
-  threads.note();
-  return -x;
-}
 // Exact in doubles for the small whole numbers the tests use, and tells the inputs apart.
 double combine(double a, double b) {
   threads.note();
   return a * 1000 + b;
 }
 
-class ElementWise : public testsupport::LiveArrayTest {
- protected:
-  void SetUp() override {
-    LiveArrayTest::SetUp();
-    threads.reset();
-  }
-  RecordingEnvironment parent;
-  bool pending = false;
-};
+using ElementWise = LiftedCallTest;
 
 // --- selection -------------------------------------------------------------------------------
 
@@ -247,14 +233,6 @@ std::vector<double> referenceCombine(ka::Dims dims0, ka::Dims dims1) {
   return expected;
 }
 
-ka::ArrayPtr indexArray(const ka::Dims& dims) {
-  std::size_t count = 1;
-  for (std::size_t size : dims) count *= size;
-  std::vector<double> values(count);
-  for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<double>(i);
-  return ka::createFrom<double>(dims, values);
-}
-
 // Random conforming pairs of up to four dimensions, some of them above the parallel threshold,
 // run serially (a kernel with side effects) and in parallel under several thread limits.
 TEST_F(ElementWise, BroadcastMatchesAPlainReferenceLoop) {
@@ -285,7 +263,7 @@ TEST_F(ElementWise, BroadcastMatchesAPlainReferenceLoop) {
                      << "threads " << limit << (variant == &serial ? " serial " : " parallel ")
                      << ::testing::PrintToString(dims0) << " with " << ::testing::PrintToString(dims1));
         const ka::ArrayPtr result = resultArray(
-            call(*variant, &parent, pending, {give(indexArray(dims0)), give(indexArray(dims1))}));
+            call(*variant, &parent, pending, {give(ramp(dims0)), give(ramp(dims1))}));
         ASSERT_EQ(elementsOf<double>(result.get()), referenceCombine(dims0, dims1));
       }
     }
@@ -300,10 +278,10 @@ TEST_F(ElementWise, ScalarSideByParameterOrOneByOneArray) {
     return elementsOf<double>(result.get());
   };
   const std::vector<double> arrayAndScalar = {7, 1007, 2007, 3007, 4007, 5007};
-  EXPECT_EQ(values(give(indexArray({2, 3})), Parameter(7.0)), arrayAndScalar);
-  EXPECT_EQ(values(give(indexArray({2, 3})), give(ka::scalar(7.0))), arrayAndScalar);
+  EXPECT_EQ(values(give(ramp({2, 3})), Parameter(7.0)), arrayAndScalar);
+  EXPECT_EQ(values(give(ramp({2, 3})), give(ka::scalar(7.0))), arrayAndScalar);
   const std::vector<double> scalarAndArray = {7000, 7001, 7002, 7003, 7004, 7005};
-  EXPECT_EQ(values(Parameter(7.0), give(indexArray({2, 3}))), scalarAndArray);
+  EXPECT_EQ(values(Parameter(7.0), give(ramp({2, 3}))), scalarAndArray);
 }
 
 // A size of 0 against 1 or against a missing dimension gives 0, and nothing is read or called.

@@ -39,23 +39,23 @@ inline T callKernel(const LoopContext* context, A... a) noexcept {
   if (entry == nullptr) [[unlikely]] {
     return T{};
   }
-  switch (descriptor->callingConvention) {
-    case Direct:
-      return reinterpret_cast<orro::NativeFunction<Direct, T, A...>>(entry)(a...);
-    case DirectWithDescriptor:
-      return reinterpret_cast<orro::NativeFunction<DirectWithDescriptor, T, A...>>(entry)(
-          a..., descriptor);
-    case CanThrow: {
-      T out{};
-      if (reinterpret_cast<orro::NativeFunction<CanThrow, T, A...>>(entry)(
-              a..., &out, context->environment, descriptor)) {
-        std::atomic_ref<bool>(*context->failed).exchange(true, std::memory_order_relaxed);
-      }
-      return out;
-    }
-    default:
-      return T{};
+  const JIT_CALLING_CONVENTION convention = descriptor->callingConvention;
+  if (convention == Direct) [[likely]] {
+    return reinterpret_cast<orro::NativeFunction<Direct, T, A...>>(entry)(a...);
   }
+  if (convention == DirectWithDescriptor) {
+    return reinterpret_cast<orro::NativeFunction<DirectWithDescriptor, T, A...>>(entry)(
+        a..., descriptor);
+  }
+  if (convention == CanThrow) {
+    T out{};
+    if (reinterpret_cast<orro::NativeFunction<CanThrow, T, A...>>(entry)(
+            a..., &out, context->environment, descriptor)) {
+      std::atomic_ref<bool>(*context->failed).exchange(true, std::memory_order_relaxed);
+    }
+    return out;
+  }
+  return T{};
 }
 
 // The inner loops. `out` may be one of the inputs: element i is read before it is written.
