@@ -168,7 +168,7 @@ double numpySqrtNanoseconds() {
 
 int main(int argc, char** argv) {
     benchsupport::RecordingReporter reporter;
-    if (!benchsupport::runRecorded(argc, argv, reporter)) return 1;
+    if (!benchsupport::runBenchmarks(argc, argv, reporter)) return 1;
 
     const auto direct = reporter.times["DirectBaseline"];
     if (direct.real <= 0 || direct.cpu <= 0) return 0;

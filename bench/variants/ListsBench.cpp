@@ -126,7 +126,7 @@ BENCHMARK(BuildLists)->Arg(50)->Arg(200)->Arg(800)->Unit(benchmark::kMicrosecond
 
 int main(int argc, char** argv) {
     benchsupport::RecordingReporter reporter;
-    if (!benchsupport::runRecorded(argc, argv, reporter)) return 1;
+    if (!benchsupport::runBenchmarks(argc, argv, reporter)) return 1;
 
     // Times are in microseconds. CPU time is quoted beside real time, since a loaded machine
     // stretches the second and not the first.

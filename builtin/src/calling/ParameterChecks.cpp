@@ -11,21 +11,26 @@
 
 #include <builtin/types/classifyKaArray.hpp>
 
+#include "ReadableTypeName.hpp"
+
 namespace Norvane::builtin {
 
-namespace {
-
-constexpr const char* conversionSourcePath = "builtin2/interface/builtin/ParameterConversion";
-constexpr const char* descriptorSourcePath = "builtin2/interface/builtin/getFunctionDescriptor";
-
-// A type name that cannot be demangled is shown as it is: the process is stopping anyway.
-std::string readableName(const std::type_info& type) {
+// A type name that cannot be demangled is shown as it is: the text is for a person, and the
+// mangled name still tells the type.
+std::string detail::readableTypeName(const std::type_info& type) {
     try {
         return foundation::core::diag::detail::demangle_typeid_name(type.name(), false);
     } catch (...) {
         return type.name();
     }
 }
+
+namespace {
+
+using detail::readableTypeName;
+
+constexpr const char* conversionSourcePath = "builtin2/interface/builtin/ParameterConversion";
+constexpr const char* descriptorSourcePath = "builtin2/interface/builtin/getFunctionDescriptor";
 
 template <std::size_t... Index>
 std::array<const std::type_info*, parameterTypeCount> makeTypeTable(
@@ -44,7 +49,7 @@ const std::type_info& parameterTypeInfo(const Parameter& parameter) {
 
 void assertFromParameterType(const std::type_info& expected, const kaArray_tag* const array) {
     std::ostringstream text;
-    text << "expected kaArray to be " << readableName(expected) << " but was "
+    text << "expected kaArray to be " << readableTypeName(expected) << " but was "
          << getArgTypeOfKaArray(array);
     foundation::core::diag::terminate(text.str(), conversionSourcePath, __LINE__,
                                       __PRETTY_FUNCTION__);
@@ -52,9 +57,9 @@ void assertFromParameterType(const std::type_info& expected, const kaArray_tag* 
 
 void assertOrroObjectFromParameterType(const std::type_info& expected,
                                        const Parameter& parameter) {
-    const std::string text = "expected Parameter to contain " + readableName(expected) +
+    const std::string text = "expected Parameter to contain " + readableTypeName(expected) +
                              " but actually contains " +
-                             readableName(parameterTypeInfo(parameter));
+                             readableTypeName(parameterTypeInfo(parameter));
     foundation::core::diag::terminate(text, conversionSourcePath, __LINE__, __PRETTY_FUNCTION__);
 }
 
@@ -64,7 +69,7 @@ void assertParameterContainsType(const std::type_info& expected, const Parameter
         return;
     }
     const std::string text = "Parameter created with incorrect type.\nExpected: " +
-                             readableName(expected) + "\nActual: " + readableName(actual);
+                             readableTypeName(expected) + "\nActual: " + readableTypeName(actual);
     foundation::core::diag::terminate(text, conversionSourcePath, __LINE__, __PRETTY_FUNCTION__);
 }
 
@@ -75,9 +80,9 @@ namespace builtinreg::detail {
 void assertParameterWrongType(const std::type_info& expected, const Parameter& parameter,
                               const types::ArgType& expectedArgType) {
     std::ostringstream text;
-    text << "expected Parameter containing: " << readableName(expected)
+    text << "expected Parameter containing: " << readableTypeName(expected)
          << "\nactual Parameter containing: "
-         << readableName(types::detail::parameterTypeInfo(parameter))
+         << readableTypeName(types::detail::parameterTypeInfo(parameter))
          << "\nExpected ArgType: " << expectedArgType;
     foundation::core::diag::terminate(text.str(), descriptorSourcePath, __LINE__,
                                       __PRETTY_FUNCTION__);

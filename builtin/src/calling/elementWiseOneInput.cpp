@@ -1,0 +1,35 @@
+// The thirteen one-input lifted entries, and the selector that finds them by table position.
+#include <array>
+#include <utility>
+
+#include "LiftedEntry.hpp"
+
+namespace Norvane::builtin::builtinreg::detail {
+
+namespace {
+
+template <std::size_t... K>
+constexpr std::array<TypedEntry, sizeof...(K)> oneInputEntries(std::index_sequence<K...>) {
+  return {&liftOneInput<ParameterAlternative<K>>...};
+}
+
+constexpr auto entries = oneInputEntries(std::make_index_sequence<liftedTypeCount>());
+
+// Positions out * 16 + in0 with out == in0 == k.
+constexpr std::size_t diagonalStep = parameterTypeCount + 1;
+
+}  // namespace
+
+Parameter elementWiseInlineC(OrroFunctionDescriptor* const descriptor,
+                             IOrroBuiltinEnvironment* const environment, bool& pending,
+                             const ParameterList& arguments, const ParameterTypes* /*tag*/,
+                             std::size_t out, std::size_t in0) {
+  const std::size_t position = out * parameterTypeCount + in0;
+  const std::size_t k = position / diagonalStep;
+  if (position % diagonalStep != 0 || k >= entries.size()) {
+    return Parameter();
+  }
+  return entries[k](descriptor, environment, pending, arguments);
+}
+
+}  // namespace Norvane::builtin::builtinreg::detail
