@@ -7,7 +7,7 @@
 //   LiftedAddInPlace     the same with the first input a temporary: it is overwritten and comes
 //                        back as the result, which is the next call's input
 //   LiftedExp            a compute-bound kernel (libm exp) on one input, fresh output
-//   LiftedBroadcast      add of 1000-by-1 with 1-by-10000, the general broadcast path
+//   LiftedBroadcast      add of 1000-by-1 with 1-by-10000, the general broadcast path, fresh output
 //   PlainLoopAdd         a plain loop calling add through the same function pointer, into a new
 //                        array; PlainLoopAddInline the same with the addition inlined, which the
 //                        compiler vectorises
@@ -212,7 +212,7 @@ void withThreads(benchmark::internal::Benchmark* b, std::initializer_list<int> l
 BENCHMARK(LiftedAddFresh)->Apply([](auto* b) { withThreads(b, {1, 2}); });
 BENCHMARK(LiftedAddInPlace)->Apply([](auto* b) { withThreads(b, {1, 2}); });
 BENCHMARK(LiftedExp)->Apply([](auto* b) { withThreads(b, {1, 2}); });
-BENCHMARK(LiftedBroadcast)->Apply([](auto* b) { withThreads(b, {2}); });
+BENCHMARK(LiftedBroadcast)->Apply([](auto* b) { withThreads(b, {1, 2}); });
 BENCHMARK(PlainLoopAdd)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(PlainLoopAddInline)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(LiftedAdd100)->UseRealTime();

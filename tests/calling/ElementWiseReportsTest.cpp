@@ -27,21 +27,18 @@ double negateWaitingForCompany(double x) {
 double negateFirst(double a, double) { return negate(a); }
 double negateFirstWaitingForCompany(double a, double) { return negateWaitingForCompany(a); }
 
-bool report(IOrroBuiltinEnvironment* environment, const std::string& what) {
-  try {
-    throw std::runtime_error(what);
-  } catch (...) {
-    environment->GetOrroBuiltinAccessors()->SetInternalPendingException();
-  }
-  return true;
-}
-
 // Fails, with a distinct exception, for every element of value 5 or more.
 bool failFromFive(double x, double* out, IOrroBuiltinEnvironment* environment,
                   OrroFunctionDescriptor*) {
   threads.note();
   *out = -x;
-  return x >= 5 && report(environment, "element " + std::to_string(x));
+  if (x < 5) return false;
+  try {
+    throw std::runtime_error("element " + std::to_string(x));
+  } catch (...) {
+    environment->GetOrroBuiltinAccessors()->SetInternalPendingException();
+  }
+  return true;
 }
 
 bool warnEach(double x, double* out, IOrroBuiltinEnvironment* environment,
@@ -86,37 +83,31 @@ TEST_F(ElementWiseReports, LoopsGoParallelOnlyAboveTheThresholdAndWhenTheFlagsAl
     // A kernel that may throw is declared CanThrow; this one never reports, so Direct will do.
     const auto declared = c.flags.throws ? CanThrow : Direct;
     auto variant = c.inputs == 1
-                       ? liftedVariant<double, 1>(c.parallel ? entryOf(&negateWaitingForCompany)
-                                                             : entryOf(&negate),
+                       ? liftedVariant<double, 1>(c.parallel ? &negateWaitingForCompany : &negate,
                                                   declared, c.flags)
-                       : liftedVariant<double, 2>(c.parallel ? entryOf(&negateFirstWaitingForCompany)
-                                                             : entryOf(&negateFirst),
+                       : liftedVariant<double, 2>(c.parallel ? &negateFirstWaitingForCompany
+                                                             : &negateFirst,
                                                   declared, c.flags);
     variant.functionDescriptor.callingConvention = Direct;
     ParameterList arguments{give(ramp({1, c.count}))};
     if (c.inputs == 2) arguments.push_back(Parameter(0.0));
-    const ka::ArrayPtr result = resultArray(call(variant, &parent, pending, arguments));
+    const ka::ArrayPtr result = callForArray(variant, arguments);
     EXPECT_EQ(threads.calls, static_cast<long>(c.count));
-    if (c.parallel) {
-      EXPECT_GT(threads.offCaller, 0) << "no worker took part";
-    } else {
-      EXPECT_EQ(threads.offCaller, 0);
-    }
+    EXPECT_EQ(threads.offCaller > 0, c.parallel);
   }
 }
 
 // Many workers fail at once: the loop visits every element, one exception reaches the caller,
 // the result is dropped (an input overwritten in place included) and pending is set.
 TEST_F(ElementWiseReports, OneExceptionWinsAndTheResultIsDropped) {
-  auto variant = liftedVariant<double, 1>(entryOf(&failFromFive), CanThrow, {.throws = true});
-  for (int limit : {1, 2, 4}) {
+  auto variant = liftedVariant<double, 1>(&failFromFive, CanThrow, {.throws = true});
+  for (std::size_t limit : {1ul, 2ul, 4ul}) {
     SCOPED_TRACE("threads " + std::to_string(limit));
-    tbb::global_control control(tbb::global_control::max_allowed_parallelism,
-                                static_cast<std::size_t>(limit));
+    tbb::global_control control(tbb::global_control::max_allowed_parallelism, limit);
     threads.reset();
     RecordingEnvironment caller;
-    const Parameter result = call(variant, &caller, pending, {give(ramp({1, 20000}))});
-    EXPECT_EQ(result, Parameter(static_cast<kaArray_tag*>(nullptr)));
+    EXPECT_EQ(elementwisetest::call(variant, &caller, pending, {give(ramp({1, 20000}))}),
+              Parameter(static_cast<kaArray_tag*>(nullptr)));
     EXPECT_TRUE(pending);
     EXPECT_EQ(threads.calls, 20000);
     ASSERT_EQ(caller.events.size(), 1u);
@@ -126,10 +117,9 @@ TEST_F(ElementWiseReports, OneExceptionWinsAndTheResultIsDropped) {
 }
 
 TEST_F(ElementWiseReports, WarningsArriveInElementOrderFromTheCallingThread) {
-  auto variant = liftedVariant<double, 2>(entryOf(&warnEach), CanThrow, {.warns = true});
+  auto variant = liftedVariant<double, 2>(&warnEach, CanThrow, {.warns = true});
   tbb::global_control control(tbb::global_control::max_allowed_parallelism, 4);
-  const ka::ArrayPtr result =
-      resultArray(call(variant, &parent, pending, {give(ramp({1, 3000})), Parameter(1.0)}));
+  const ka::ArrayPtr result = callForArray(variant, {give(ramp({1, 3000})), Parameter(1.0)});
   EXPECT_TRUE(pending);
   EXPECT_EQ(threads.offCaller, 0);
   ASSERT_EQ(parent.events.size(), 3000u);
@@ -141,16 +131,15 @@ TEST_F(ElementWiseReports, WarningsArriveInElementOrderFromTheCallingThread) {
 
 TEST_F(ElementWiseReports, PendingFollowsWhatTheCallerReceived) {
   // A kernel that answers true without reporting: the result stands and nothing is pending.
-  auto quiet = liftedVariant<double, 1>(entryOf(&pendingWithoutReport), CanThrow, {.throws = true});
-  const ka::ArrayPtr kept = resultArray(call(quiet, &parent, pending, {give(ramp({1, 3}))}));
+  auto quiet = liftedVariant<double, 1>(&pendingWithoutReport, CanThrow, {.throws = true});
+  const ka::ArrayPtr kept = callForArray(quiet, {give(ramp({1, 3}))});
   EXPECT_EQ(elementsOf<double>(kept.get()), (std::vector<double>{0, -1, -2}));
   EXPECT_FALSE(pending);
   EXPECT_TRUE(parent.events.empty());
 
   // Without an environment the reports are lost, and the failure alone sets the flag.
-  auto failing = liftedVariant<double, 1>(entryOf(&failFromFive), CanThrow, {.throws = true});
-  pending = false;
-  EXPECT_EQ(call(failing, nullptr, pending, {give(ramp({1, 10}))}),
+  auto failing = liftedVariant<double, 1>(&failFromFive, CanThrow, {.throws = true});
+  EXPECT_EQ(elementwisetest::call(failing, nullptr, pending, {give(ramp({1, 10}))}),
             Parameter(static_cast<kaArray_tag*>(nullptr)));
   EXPECT_TRUE(pending);
 }

@@ -61,23 +61,19 @@ struct Flags {
   bool callsBack = false;
 };
 
-// A variant whose typed entry is the lifted entry of T with Inputs inputs. CanThrow goes with
-// warnings or errors, as the record demands.
-template <class T, std::size_t Inputs>
-BuiltinVariant liftedVariant(NativeEntry kernel, JIT_CALLING_CONVENTION convention,
-                             Flags flags = {}) {
+// A variant whose typed entry is the lifted entry of T with Inputs inputs, over `kernel` (a
+// function pointer, or null). CanThrow goes with warnings or errors, as the record demands.
+template <class T, std::size_t Inputs, class Kernel>
+BuiltinVariant liftedVariant(Kernel kernel, JIT_CALLING_CONVENTION convention, Flags flags = {}) {
   return BuiltinVariant(
-      nullptr, OrroFunctionDescriptor{&elementWiseEntry<T, Inputs>, kernel, convention}, {}, {},
-      flags.callsBack ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
+      nullptr,
+      OrroFunctionDescriptor{&elementWiseEntry<T, Inputs>, reinterpret_cast<NativeEntry>(kernel),
+                             convention},
+      {}, {}, flags.callsBack ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
       flags.warns ? V::HasWarnings::YES : V::HasWarnings::NO,
       flags.throws ? V::HasExceptions::YES : V::HasExceptions::NO,
       flags.sideEffects ? V::HasSideEffects::YES : V::HasSideEffects::NO, "kernel", "kernel",
       "double", V::IsElementWise::YES);
-}
-
-template <class Function>
-NativeEntry entryOf(Function* function) {
-  return reinterpret_cast<NativeEntry>(function);
 }
 
 inline Parameter call(BuiltinVariant& variant, IOrroBuiltinEnvironment* environment,
@@ -150,6 +146,13 @@ class LiftedCallTest : public testsupport::LiveArrayTest {
   void SetUp() override {
     LiveArrayTest::SetUp();
     threads.reset();
+  }
+  Parameter call(BuiltinVariant& variant, const ParameterList& arguments) {
+    return elementwisetest::call(variant, &parent, pending, arguments);
+  }
+  // The result array, owned by the test.
+  ka::ArrayPtr callForArray(BuiltinVariant& variant, const ParameterList& arguments) {
+    return resultArray(call(variant, arguments));
   }
   RecordingEnvironment parent;
   bool pending = false;

@@ -1,8 +1,7 @@
 // ParallelEnvironment: what its destructor hands to the parent and to the pending flag, and the
-// first exception winning when workers report at once.
+// first exception winning when threads report at once.
 #include <builtin/calling/ParallelEnvironment.hpp>
 
-#include <functional>
 #include <thread>
 
 #include "ElementWiseSupport.hpp"
@@ -12,107 +11,64 @@ namespace {
 
 using builtinreg::detail::ParallelEnvironment;
 
-void warn(ParallelEnvironment& environment, const char* text) {
-  const std::string narrow(text);
-  environment.GetOrroBuiltinAccessors()->AddWarningMessage(
-      std::u16string(narrow.begin(), narrow.end()));
+void warn(IOrroBuiltinAccessors* accessors, char text) {
+  accessors->AddWarningMessage(std::u16string(1, static_cast<char16_t>(text)));
 }
 
-void fail(ParallelEnvironment& environment, const std::string& what) {
+void fail(IOrroBuiltinAccessors* accessors, char what) {
   try {
-    throw std::runtime_error(what);
+    throw std::runtime_error(std::string(1, what));
   } catch (...) {
-    environment.GetOrroBuiltinAccessors()->SetInternalPendingException();
+    accessors->SetInternalPendingException();
   }
 }
 
-TEST(ParallelEnvironment, HandsOverWarningsFirstThenTheFirstException) {
+// Reports are written as text: 'w' and a letter warns, 'e' and a letter fails.
+TEST(ParallelEnvironment, HandOverToTheParent) {
+  enum class Parent { RECORDING, NONE, NO_ACCESSORS, REFUSES_SECOND_WARNING };
   struct Case {
     const char* name;
-    std::function<void(ParallelEnvironment&)> report;
-    bool pendingBefore;
-    bool pendingAfter;
+    Parent parent;
+    const char* reports;
+    bool flagBefore, flagAfter;
     std::vector<std::string> events;
   };
   const Case cases[] = {
-      {"nothing reported overwrites a true flag", [](ParallelEnvironment&) {}, true, false, {}},
-      {"one warning", [](ParallelEnvironment& e) { warn(e, "w1"); }, false, true, {"warning w1"}},
-      {"warnings around exceptions: warnings first, in order, and the first exception",
-       [](ParallelEnvironment& e) {
-         warn(e, "w1");
-         fail(e, "first");
-         warn(e, "w2");
-         fail(e, "second");
-       },
-       false, true, {"warning w1", "warning w2", "exception first"}},
+      {"nothing reported clears the flag", Parent::RECORDING, "", true, false, {}},
+      {"one warning", Parent::RECORDING, "wa", false, true, {"warning a"}},
+      {"warnings first, in order, then the first exception", Parent::RECORDING, "waexwbey",
+       false, true, {"warning a", "warning b", "exception x"}},
+      {"no parent: dropped, flag kept", Parent::NONE, "waex", true, true, {}},
+      {"no accessors: dropped, flag kept", Parent::NO_ACCESSORS, "waex", true, true, {}},
+      {"the parent's failure becomes its exception", Parent::REFUSES_SECOND_WARNING, "wawbwcex",
+       false, true, {"warning a", "exception parent refuses"}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     RecordingEnvironment parent;
-    bool pending = c.pendingBefore;
+    parent.withAccessors = c.parent != Parent::NO_ACCESSORS;
+    parent.failAtWarning = c.parent == Parent::REFUSES_SECOND_WARNING ? 1 : -1;
+    bool pending = c.flagBefore;
     {
-      ParallelEnvironment environment(&parent, &pending);
-      c.report(environment);
-      EXPECT_EQ(pending, c.pendingBefore) << "the flag changes only at the hand-over";
+      ParallelEnvironment environment(c.parent == Parent::NONE ? nullptr : &parent, &pending);
+      IOrroBuiltinAccessors* const accessors = environment.GetOrroBuiltinAccessors();
+      ASSERT_EQ(accessors, &environment);
+      for (const char* report = c.reports; *report != 0; report += 2) {
+        (report[0] == 'w' ? warn : fail)(accessors, report[1]);
+      }
+      EXPECT_EQ(environment.containsException(), std::string(c.reports).find('e') != std::string::npos);
+      EXPECT_EQ(pending, c.flagBefore) << "the flag changes only at the hand-over";
     }
-    EXPECT_EQ(pending, c.pendingAfter);
+    EXPECT_EQ(pending, c.flagAfter);
     EXPECT_EQ(parent.events, c.events);
   }
-}
-
-TEST(ParallelEnvironment, NoParentOrNoAccessorsDropsTheReportsAndKeepsTheFlag) {
-  RecordingEnvironment withoutAccessors;
-  withoutAccessors.withAccessors = false;
-  for (IOrroBuiltinEnvironment* parent : {static_cast<IOrroBuiltinEnvironment*>(nullptr),
-                                          static_cast<IOrroBuiltinEnvironment*>(&withoutAccessors)}) {
-    SCOPED_TRACE(parent == nullptr ? "no parent" : "no accessors");
-    bool pending = true;
-    {
-      ParallelEnvironment environment(parent, &pending);
-      warn(environment, "w");
-      fail(environment, "e");
-    }
-    EXPECT_TRUE(pending);
-  }
-  EXPECT_TRUE(withoutAccessors.events.empty());
-}
-
-TEST(ParallelEnvironment, HandOverRunsWithoutAFlag) {
   RecordingEnvironment parent;
-  {
-    ParallelEnvironment environment(&parent, nullptr);
-    warn(environment, "w");
-  }
-  EXPECT_EQ(parent.events, std::vector<std::string>{"warning w"});
-}
-
-TEST(ParallelEnvironment, ContainsExceptionOnlyOnceOneIsStored) {
-  ParallelEnvironment environment(nullptr, nullptr);
-  EXPECT_EQ(environment.GetOrroBuiltinAccessors(), &environment);
-  warn(environment, "w");
-  EXPECT_FALSE(environment.containsException());
-  fail(environment, "e");
-  EXPECT_TRUE(environment.containsException());
-}
-
-// The parent's failure is delivered as its pending exception; what was not passed is dropped.
-TEST(ParallelEnvironment, ParentThatThrowsOnAWarningGetsThatAsItsException) {
-  RecordingEnvironment parent;
-  parent.failAtWarning = 1;
-  bool pending = false;
-  {
-    ParallelEnvironment environment(&parent, &pending);
-    warn(environment, "w0");
-    warn(environment, "w1");
-    warn(environment, "w2");
-    fail(environment, "stored");
-  }
-  EXPECT_TRUE(pending);
-  EXPECT_EQ(parent.events, (std::vector<std::string>{"warning w0", "exception parent refuses"}));
+  ParallelEnvironment(&parent, nullptr).AddWarningMessage(u"a");  // no flag: handed over all the same
+  EXPECT_EQ(parent.events, std::vector<std::string>{"warning a"});
 }
 
 // Plain threads rather than oneTBB's, whose hand-over ThreadSanitizer cannot see.
-TEST(ParallelEnvironment, WorkersReportingAtOnceDeliverEveryWarningAndOneException) {
+TEST(ParallelEnvironment, ThreadsReportingAtOnceDeliverEveryWarningAndOneException) {
   constexpr int reportsPerThread = 500;
   for (int count : {1, 2, 4}) {
     SCOPED_TRACE("threads " + std::to_string(count));
@@ -120,21 +76,20 @@ TEST(ParallelEnvironment, WorkersReportingAtOnceDeliverEveryWarningAndOneExcepti
     bool pending = false;
     {
       ParallelEnvironment environment(&parent, &pending);
-      std::vector<std::thread> workers;
+      std::vector<std::thread> threads;
       for (int t = 0; t < count; ++t) {
-        workers.emplace_back([&environment, t] {
+        threads.emplace_back([&environment] {
           for (int i = 0; i < reportsPerThread; ++i) {
-            warn(environment, "w");
-            fail(environment, std::to_string(t));
+            warn(&environment, 'w');
+            fail(&environment, 'e');
           }
         });
       }
-      for (std::thread& worker : workers) worker.join();
-      EXPECT_TRUE(environment.containsException());
+      for (std::thread& thread : threads) thread.join();
     }
     EXPECT_TRUE(pending);
     ASSERT_EQ(parent.events.size(), static_cast<std::size_t>(count * reportsPerThread) + 1);
-    EXPECT_EQ(parent.events.back().rfind("exception ", 0), 0u);
+    EXPECT_EQ(parent.events.back(), "exception e");
   }
 }
 

@@ -55,10 +55,10 @@ void runBroadcast(const LoopContext* context, const T* in0, const T* in1, T* out
       T* const o = out + b * block;
       switch (plan.mode) {
         case BlockMode::SCALAR_AND_ARRAY:
-          scalarAndArray(context, in0[cursor.offset0()], in1 + cursor.offset1(), o, block);
+          scalarAndArray(context, in0 + cursor.offset0(), in1 + cursor.offset1(), o, block);
           break;
         case BlockMode::ARRAY_AND_SCALAR:
-          arrayAndScalar(context, in0 + cursor.offset0(), in1[cursor.offset1()], o, block);
+          arrayAndScalar(context, in0 + cursor.offset0(), in1 + cursor.offset1(), o, block);
           break;
         case BlockMode::ARRAY_AND_ARRAY:
           arrayAndArray(context, in0 + cursor.offset0(), in1 + cursor.offset1(), o, block);
@@ -86,17 +86,15 @@ void runTwoInputs(const LoopContext* context, const ElementView<T>& view0,
   const T* const in1 = view1.data.data();
   if (outCount == std::max(n0, n1)) {
     if (n0 != 1 && n1 == 1) {
-      const T b = in1[0];
       const auto body = [&](std::size_t first, std::size_t last) noexcept {
-        arrayAndScalar(context, in0 + first, b, out + first, last - first);
+        arrayAndScalar(context, in0 + first, in1, out + first, last - first);
       };
       shareTwoInputs(context, n0, n0, twoInputGrain, rangeTask(body));
       return;
     }
     if (n0 == 1 && n1 != 1) {
-      const T a = in0[0];
       const auto body = [&](std::size_t first, std::size_t last) noexcept {
-        scalarAndArray(context, a, in1 + first, out + first, last - first);
+        scalarAndArray(context, in0, in1 + first, out + first, last - first);
       };
       shareTwoInputs(context, n1, n1, twoInputGrain, rangeTask(body));
       return;
