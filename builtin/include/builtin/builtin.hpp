@@ -7,6 +7,7 @@
 #include <builtin/types/types.hpp>
 #include <builtin/variants/variants.hpp>
 #include <builtin/invoke/invoke.hpp>
+#include <builtin/objects/objects.hpp>
 #include <builtin/calling/ParameterChecks.hpp>
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/types/StringTraits.hpp>

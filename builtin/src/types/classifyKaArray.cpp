@@ -27,10 +27,11 @@ kaClassID classIdOf(const kaArray_tag* array) {
     return provider != nullptr ? provider->getClassId(array) : matrix::classId(array);
 }
 
+// The variant id is asked before the flag: the provider sees its questions in a fixed order.
 OrroObjectTypes objectTypeOf(const IZOBJRegWrapper& provider, kaClassID classId,
                              const kaArray_tag* array) {
-    return OrroObjectTypes(classId, provider.getVariantId(array),
-                           provider.getObjectTypeFlag(array));
+    const std::size_t variantId = provider.getVariantId(array);
+    return OrroObjectTypes(classId, variantId, provider.getObjectTypeFlag(array));
 }
 
 // The view whose shape a sparse array of this class and complexity fails.

@@ -22,7 +22,7 @@ void terminate(std::string_view text, std::string_view sourcePath, int line,
 
 namespace detail {
 
-std::string demangle_typeid_name(const char* mangledName, bool /*decorated*/) {
+std::string demangle_typeid_name(const char* mangledName, bool decorated) {
   if (mangledName == nullptr) {
     throw std::invalid_argument("cannot demangle a null type name");
   }
@@ -30,9 +30,14 @@ std::string demangle_typeid_name(const char* mangledName, bool /*decorated*/) {
   std::unique_ptr<char, void (*)(void*)> readable(
       abi::__cxa_demangle(mangledName, nullptr, nullptr, &status), std::free);
   if (status != 0 || !readable) {
-    throw std::invalid_argument(std::string("cannot demangle type name: ") + mangledName);
+    // Callers quote what() as the name that was found, so it is the input and nothing else.
+    throw std::invalid_argument(mangledName);
   }
-  return readable.get();
+  std::string name(readable.get());
+  if (decorated) {
+    name += decoratedSuffix;
+  }
+  return name;
 }
 
 }  // namespace detail

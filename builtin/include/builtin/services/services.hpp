@@ -1,5 +1,5 @@
-// Everything of the services subsystem: service interfaces, holders, module interfaces and
-// module utilities.
+// Everything of the services subsystem: service interfaces, holders, module interfaces, module
+// utilities and package functions.
 #pragma once
 
 #include <builtin/services/BuiltinServices.hpp>
@@ -7,4 +7,5 @@
 #include <builtin/services/IOrroObjectRegister.hpp>
 #include <builtin/services/IZOBJRegWrapper.hpp>
 #include <builtin/services/ModuleUtilities.hpp>
+#include <builtin/services/PackageFunctions.hpp>
 #include <builtin/services/StringSupport.hpp>

@@ -16,10 +16,15 @@ namespace foundation::core::diag {
 
 namespace detail {
 
-// The readable form of a mangled type name (`typeid(T).name()`). The flag asks for the platform's
-// decorated form where it has one; on this platform the plain demangled name is the only form.
-// Throws std::invalid_argument, naming the input, for a name that is not a mangled type name.
+// The readable form of a mangled type name (`typeid(T).name()`). With `decorated` the name
+// reads as the platform names a type's run-time type record: the readable name followed by
+// decoratedSuffix, e.g. "ns::Widget 'RTTI Type Descriptor'".
+// Throws std::invalid_argument for a name that is not a mangled type name; its what() is that
+// name, exactly as given.
 std::string demangle_typeid_name(const char* mangledName, bool decorated);
+
+// What the decorated form appends: 23 characters, starting with a blank.
+inline constexpr std::string_view decoratedSuffix = " 'RTTI Type Descriptor'";
 
 }  // namespace detail
 }  // namespace foundation::core::diag

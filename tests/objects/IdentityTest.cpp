@@ -1,0 +1,123 @@
+// Identity stores and the fatal checks around object identities. Each case runs in a process
+// of its own, so each starts with empty stores.
+#include <builtin/objects/OrroObjectIdentity.hpp>
+#include <builtin/objects/OrroObjectRegistration.hpp>
+#include <builtin/variants/BuiltinVariant.hpp>
+
+#include <fl/diag.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+namespace {
+
+using namespace Norvane::builtin;
+
+struct Widget {};
+
+// A death test's pattern that matches `text` literally.
+std::string literally(const std::string& text) {
+    std::string pattern;
+    for (const char c : text) {
+        if (std::string(".[]{}()\\*+?|^$").find(c) != std::string::npos) pattern += '\\';
+        pattern += c;
+    }
+    return pattern;
+}
+
+TEST(GetNextCppClassVariant, CountsEachClassFromZero) {
+    using types::detail::getNextCppClassVariant;
+    const auto a = static_cast<kaClassID>(30), b = static_cast<kaClassID>(31);
+    EXPECT_EQ(getNextCppClassVariant(a), 0u);
+    EXPECT_EQ(getNextCppClassVariant(a), 1u);
+    EXPECT_EQ(getNextCppClassVariant(b), 0u);
+    EXPECT_EQ(getNextCppClassVariant(a), 2u);
+    EXPECT_EQ(types::detail::getOrroObjectClassID("Anything"), kaUNKNOWN_CLASS);
+}
+
+std::size_t manifestVariant = 0;
+int manifestCalls = 0;
+std::size_t manifestId() {
+    ++manifestCalls;
+    return manifestVariant;
+}
+
+TEST(AssertOrroVariantIdMatches, ChecksEachTypeAndIdOnce) {
+    using builtinreg::detail::assertOrroVariantIdMatches;
+    manifestVariant = 2;
+    assertOrroVariantIdMatches(2, &manifestId, typeid(Widget));
+    EXPECT_EQ(manifestCalls, 1);
+    manifestVariant = 9;  // the manifest changed, but this pair was checked already
+    assertOrroVariantIdMatches(2, &manifestId, typeid(Widget));
+    EXPECT_EQ(manifestCalls, 1);
+    manifestVariant = 3;  // a new id of the type, and the same id of another type, are checked anew
+    assertOrroVariantIdMatches(3, &manifestId, typeid(Widget));
+    assertOrroVariantIdMatches(3, &manifestId, typeid(int));
+    EXPECT_EQ(manifestCalls, 3);
+}
+
+TEST(AssertOrroVariantIdMatchesDeathTest, AMismatchAlwaysStops) {
+    manifestVariant = 5;
+    fl_set_diag_terminate(false);  // not asked: a mismatch stops regardless
+    EXPECT_DEATH(builtinreg::detail::assertOrroVariantIdMatches(4, &manifestId, typeid(Widget)),
+                 literally("Error OrroObject (anonymous namespace)::Widget 'RTTI Type Descriptor' has "
+                           "different variant id between manifest.json(5) and microservice_impl(4).") +
+                     "(.|\n)*builtin2/interface/builtin/OrroObjectID");
+}
+
+const char* nameA() { return "A"; }
+const char* nameB() { return "B"; }
+const char* nameC() { return "C"; }
+
+// Each check: how to make it pass (twice) and fail, and what it says when it stops.
+TEST(ConditionalAssertionsDeathTest, FireOnlyOnAFailedConditionAndWhenAsked) {
+    using namespace builtinreg::detail;
+    const struct {
+        const char* name;
+        void (*passes)();
+        void (*fails)();
+        std::string text;
+        const char* sourcePath;
+    } cases[] = {
+        {"class id", [] { types::detail::assertOrroObjectHasExpectedClassID(kaUNKNOWN_CLASS, "W"); },
+         [] { types::detail::assertOrroObjectHasExpectedClassID(static_cast<kaClassID>(25), "W"); },
+         "The kaClassID of OrroObjects should be consistent across all tavi instances.",
+         "builtin2/interface/builtin/CppOrroObjectImpl"},
+        {"variant id",
+         [] {
+             assertIsDefaultVariantIdOrSame(SIZE_MAX, SIZE_MAX, 4);  // still the default
+             assertIsDefaultVariantIdOrSame(SIZE_MAX, 4, 4);         // the same again
+         },
+         [] { assertIsDefaultVariantIdOrSame(SIZE_MAX, 3, 4); },
+         "Cannot assign conflicting variant id values to Norvane::builtin::builtinreg::OrroObjectId",
+         "builtin2/interface/builtin/OrroObjectID"},
+        {"name function",
+         [] {
+             assertIsDefaultNameFuncPtrOrSame(&nameA, &nameA, &nameB);
+             assertIsDefaultNameFuncPtrOrSame(&nameA, &nameB, &nameB);
+         },
+         [] { assertIsDefaultNameFuncPtrOrSame(&nameA, &nameC, &nameB); },
+         "Cannot assign conflicting name functions to Norvane::builtin::builtinreg::OrroObjectId",
+         "builtin2/interface/builtin/OrroObjectID"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        c.passes();
+        EXPECT_DEATH(c.fails(), literally(c.text) + "(.|\n)*" + c.sourcePath);
+        fl_set_diag_terminate(false);
+        c.fails();
+        fl_set_diag_terminate(true);
+    }
+}
+
+TEST(AssertInvalidCallingConventionDeathTest, NamesTheFunctionAndTheSignedConvention) {
+    BuiltinVariant variant;
+    variant.functionDescriptor.callingConvention = static_cast<JIT_CALLING_CONVENTION>(0xFFFFFFFEu);
+    EXPECT_DEATH(builtinreg::detail::assertInvalidCallingConvention("subsref", variant),
+                 "Orro Indexing Function: subsref variant was created without an valid jit calling "
+                 "convention: -2(.|\n)*builtin2/interface/builtin/OrroObjectIndexing");
+}
+
+}  // namespace
