@@ -10,6 +10,7 @@
 #include <fl/diag.hpp>
 #include <ka/ka.hpp>
 
+#include <builtin/types/NativeArgTypes.hpp>
 #include <builtin/types/classifyKaArray.hpp>
 
 namespace Norvane::builtin {
@@ -21,21 +22,6 @@ using types::KaArrayTypes;
 constexpr const char* kDefaultImplementationPath =
     "builtin2/interface/builtin/getDefaultImplementationVariant";
 constexpr const char* kDescriptorPath = "builtin2/interface/builtin/getFunctionDescriptor";
-
-// The type of a plain array output, every field zero: it stands for any array.
-const ArgType& plainArrayType() {
-    static const ArgType type = [] {
-        KaArrayTypes plain;
-        plain.element = kaUNKNOWN_CLASS;
-        plain.shape = KaArrayTypes::Shape::UNKNOWN;
-        plain.density = KaArrayTypes::Density::UNKNOWN;
-        plain.complexity = KaArrayTypes::Complexity::UNKNOWN;
-        plain.dim = 0;
-        plain.tolerance = types::SignatureTolerance::STRICT;
-        return ArgType(plain);
-    }();
-    return type;
-}
 
 // "KELDOR Builtin: "<name>" of dominant class "<class>" implemented by "<function>" ".
 std::string lhsTextOpening(const BuiltinVariant& variant) {
@@ -84,7 +70,7 @@ void assertLhsWrongType(const BuiltinVariant& variant, const kaArray_tag* array)
         throw std::out_of_range("invalid vector subscript");
     }
     const ArgType& expected = variant.outputArgTypes.front();
-    if (expected == plainArrayType()) {
+    if (expected == types::plainArrayArgType(0)) {
         return;
     }
     const ArgType actual = types::getArgTypeOfKaArray(array);

@@ -135,6 +135,47 @@ const ArgType& nativeStringArgType(std::size_t index) {
     return strings[index];
 }
 
+const ArgType& anyShapeArgType(NativeElement element) {
+    static const auto types = [] {
+        std::array<ArgType, nativeElementCount> made;
+        for (std::size_t e = 0; e < nativeElementCount; ++e) {
+            const Complexity c = kElements[e].complex ? Complexity::COMPLEX : Complexity::NOT_COMPLEX;
+            KaArrayTypes type(kElements[e].id, Shape::UNKNOWN, Density::FULL, c, SIZE_MAX);
+            type.setSignatureTolerance(SignatureTolerance::RELAXED);
+            made[e] = type;
+        }
+        return made;
+    }();
+    if (static_cast<std::size_t>(element) >= nativeElementCount) {
+        throw std::invalid_argument("anyShapeArgType: no such native element");
+    }
+    return types[static_cast<std::size_t>(element)];
+}
+
+const ArgType& anyArrayArgType(std::size_t index) {
+    static const ArgType any = [] {
+        KaArrayTypes type(kaUNKNOWN_CLASS, Shape::UNKNOWN, Density::UNKNOWN, Complexity::UNKNOWN, SIZE_MAX);
+        type.setSignatureTolerance(SignatureTolerance::RELAXED);
+        return ArgType(type);
+    }();
+    if (index != 0) detail::throwInvalidSubscript();
+    return any;
+}
+
+const ArgType& plainArrayArgType(std::size_t index) {
+    static const ArgType plain = [] {
+        KaArrayTypes type;
+        type.element = kaUNKNOWN_CLASS;
+        type.shape = Shape::UNKNOWN;
+        type.density = Density::UNKNOWN;
+        type.complexity = Complexity::UNKNOWN;
+        type.dim = 0;
+        return ArgType(type);
+    }();
+    if (index != 0) detail::throwInvalidSubscript();
+    return plain;
+}
+
 namespace detail {
 
 void throwInvalidSubscript() { throw std::out_of_range("invalid array<T, N> subscript"); }

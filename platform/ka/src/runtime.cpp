@@ -17,6 +17,8 @@ WarningChannel& warningChannel() {
     return channel;
 }
 
+thread_local ka::ThreadWarningScope* innermostScope = nullptr;
+
 void writeToStderr(const std::u16string& text) {
     std::cerr << "Warning: " << ka::detail::toUtf8(text) << std::endl;
 }
@@ -37,7 +39,24 @@ ka::WarningHandler ka::setWarningHandler(WarningHandler handler) {
     return handler;
 }
 
-void matrix::handleWarning(const std::u16string& text) {
+ka::ThreadWarningScope::ThreadWarningScope(WarningHandler handler)
+    : handler_(std::move(handler)), outer_(innermostScope) {
+    innermostScope = this;
+}
+
+ka::ThreadWarningScope::~ThreadWarningScope() { innermostScope = outer_; }
+
+void ka::deliverWarning(const std::u16string& text) {
+    if (ThreadWarningScope* scope = innermostScope; scope != nullptr && scope->handler_) {
+        // Outside the scope while its handler runs, so that a warning from the handler goes on.
+        innermostScope = scope->outer_;
+        struct Restore {
+            ThreadWarningScope* scope;
+            ~Restore() { innermostScope = scope; }
+        } restore{scope};
+        scope->handler_(text);
+        return;
+    }
     ka::WarningHandler handler;
     {
         WarningChannel& channel = warningChannel();
@@ -51,3 +70,5 @@ void matrix::handleWarning(const std::u16string& text) {
         writeToStderr(text);
     }
 }
+
+void matrix::handleWarning(const std::u16string& text) { ka::deliverWarning(text); }

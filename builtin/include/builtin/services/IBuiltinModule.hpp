@@ -4,12 +4,21 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <builtin/config.hpp>
 
 namespace Norvane::builtin {
 
-// A module that contributes builtins to the runtime.
+class BuiltinFcn;
+namespace builtinreg {
+struct BuiltinVariantLists;
+}
+
+// A module that contributes builtins to the runtime: a bundle offers it as a service with the
+// property "builtin-module" naming the module. Its builtins are declared when the bundle starts
+// and live until it stops; a host lists them and takes them by name.
 class BUILTIN_API IBuiltinModule {
 public:
     IBuiltinModule();
@@ -21,12 +30,12 @@ public:
 
     // The module's name, as upstream lists name it.
     virtual std::string getModuleName() const = 0;
-    // Called once the module's shared object is loaded, before any registration.
-    virtual void initializeModule() = 0;
-    // Declares the module's builtins to the runtime.
-    virtual void registerBuiltins() = 0;
-    // Called before the module's shared object goes away.
-    virtual void terminateModule() = 0;
+    // The names of the module's builtins, sorted.
+    virtual std::vector<std::string> getBuiltinNames() const = 0;
+    // The builtin of that name, or null; valid while the module's bundle runs.
+    virtual const BuiltinFcn* getBuiltin(std::string_view name) const = 0;
+    // The search lists of the builtin of that name, or null; valid while the bundle runs.
+    virtual const builtinreg::BuiltinVariantLists* getVariantLists(std::string_view name) const = 0;
 };
 
 namespace builtinreg {

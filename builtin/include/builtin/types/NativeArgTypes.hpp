@@ -59,6 +59,17 @@ BUILTIN_API const ArgType& nativeArgType(NativeElement element, NativeShape shap
 BUILTIN_API const ArgType& nativeStringArgType(std::size_t index);
 inline constexpr std::size_t nativeStringArgTypeCount = 3;
 
+// Beyond the table, for declarations that take an array of one element in any shape: a full
+// array of the element, every shape and dimension count, relaxed.
+BUILTIN_API const ArgType& anyShapeArgType(NativeElement element);
+
+// The possible type of a native kaArray_tag* parameter, any array: every element, shape,
+// density and complexity, relaxed. Takes index 0 only.
+BUILTIN_API const ArgType& anyArrayArgType(std::size_t index);
+// The type of a native kaArray_tag* result: the plain array type, every field zero, which the
+// output checks take for any array. Takes index 0 only.
+BUILTIN_API const ArgType& plainArrayArgType(std::size_t index);
+
 namespace detail {
 
 // The failure of a getter asked for an index it does not have.
@@ -110,6 +121,15 @@ const ArgType& getNativeArgType(std::size_t index) {
         detail::throwInvalidSubscript();
     }
     return nativeArgType(nativeElementOf<T>, Shape);
+}
+
+// The getter of any shape of element T.
+template <class T>
+const ArgType& getAnyShapeArgType(std::size_t index) {
+    if (index != 0) {
+        detail::throwInvalidSubscript();
+    }
+    return anyShapeArgType(nativeElementOf<T>);
 }
 
 }  // namespace Norvane::builtin::types

@@ -1,0 +1,173 @@
+// Declaring a builtin from native functions, one line each:
+//
+//   declare::Builtin plus("plus");
+//   plus.def(&addDoubles, declare::pure, declare::elementwise)   // double f(double, double)
+//       .def(&joinStrings, declare::pure);                        // std::u16string f(...)
+//   declare::Builtin size("size");
+//   size.fallback(&sizeOfArrays, declare::pure);                  // an array function
+//   declare::DeclaredBuiltin done(std::move(plus));               // lists and BuiltinFcn
+//
+// From the C++ type of each function the templates here work out, at compile time, the possible
+// ArgTypes of each parameter (Parameters.hpp), the calling convention (Signature.hpp) and the
+// typed entry: the library's wrapper for up to two inputs that are Parameter alternatives, the
+// lifted entry for an element-wise kernel, and otherwise an entry of the module's own that
+// converts (Entries.hpp). Everything else is ordinary code in the library.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <builtin/calling/ElementWise.hpp>
+#include <builtin/calling/InlineCWrappers.hpp>
+#include <builtin/config.hpp>
+#include <builtin/declare/Entries.hpp>
+#include <builtin/declare/Options.hpp>
+#include <builtin/declare/Parameters.hpp>
+#include <builtin/declare/Signature.hpp>
+#include <builtin/invoke/BuiltinFcn.hpp>
+#include <builtin/variants/ArgTypes.hpp>
+#include <builtin/variants/BuiltinVariantLists.hpp>
+
+namespace Norvane::builtin::declare {
+
+namespace detail {
+
+// One native function, made plain for the library.
+struct FunctionRecord {
+    void* developerFunction;
+    OrroFunctionDescriptor descriptor;
+    BuiltinVariant::IsElementWise elementWise;
+    builtinreg::ArgTypes signatures;
+};
+
+// Sets the tolerance RELAXED at the positions marked open, in every signature.
+BUILTIN_API void relaxOpenParameters(builtinreg::ArgTypes& signatures, std::initializer_list<bool> open);
+
+template <class T>
+constexpr types::ArgTypeGetter outputGetter() {
+    if constexpr (std::is_void_v<T>) {
+        return nullptr;
+    } else if constexpr (std::is_same_v<T, kaArray_tag*> || std::is_same_v<T, ka::ArrayPtr>) {
+        return &types::plainArrayArgType;
+    } else {
+        return ParameterTraits<T>::getter;
+    }
+}
+
+template <class Fn, class Inputs>
+struct Declared;
+
+template <class Fn, class... Inputs>
+struct Declared<Fn, TypeList<Inputs...>> {
+    using S = Signature<Fn>;
+    using Output = typename S::Output;
+
+    static builtinreg::ArgTypes signatures(types::SignatureTolerance tolerance) {
+        builtinreg::ArgTypes made = builtinreg::getArgTypes(tolerance, {ParameterTraits<Inputs>::count...},
+                                                            {ParameterTraits<Inputs>::getter...},
+                                                            outputGetter<Output>());
+        relaxOpenParameters(made, {alwaysRelaxed<Inputs>()...});
+        return made;
+    }
+
+    // The library's wrapper where the types pass as they are, else the module's own entry.
+    static TypedEntry plainEntry() {
+        if constexpr (sizeof...(Inputs) <= 2 && (passesAsItIs<Inputs>() && ...) && passesAsItIs<Output>()) {
+            return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<Output>,
+                                                                    parameterIndexOf<Inputs>...);
+        } else {
+            return ConvertingEntry<Fn, Output, TypeList<Inputs...>>::entry;
+        }
+    }
+
+    static TypedEntry liftedEntry() {
+        static_assert(sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 2 && (std::is_same_v<Inputs, Output> && ...) &&
+                          detail::isUnboxedNumber<Output> && !std::is_same_v<Output, char16_t>,
+                      "an element-wise kernel is T f(T) or T f(T, T) with T one of the unboxed numbers");
+        return &builtinreg::detail::elementWiseEntry<Output, sizeof...(Inputs)>;
+    }
+
+};
+
+template <class D, bool Lifted>
+TypedEntry entryOf() {
+    if constexpr (Lifted) {
+        return D::liftedEntry();
+    } else {
+        return D::plainEntry();
+    }
+}
+
+// Adds the variants of one native function to those of the builtin `name`. Throws
+// std::invalid_argument for a declaration that the function's form cannot keep.
+BUILTIN_API void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
+                             FunctionRecord&& record, const Options& options);
+
+// The default variant of an array function, wrapped in the guards of its declarations.
+BUILTIN_API BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function, const std::string& name,
+                                            const Options& options);
+
+}  // namespace detail
+
+class BUILTIN_API Builtin {
+public:
+    explicit Builtin(std::string name);
+
+    // Declares one native function with its options (Options.hpp).
+    template <class Fn, class... Option>
+    Builtin& def(Fn fn, const Option&... options) {
+        static_assert(std::is_pointer_v<Fn> && std::is_function_v<std::remove_pointer_t<Fn>>,
+                      "def takes a pointer to a native function");
+        using D = detail::Declared<Fn, typename Signature<Fn>::Inputs>;
+        constexpr bool lifted = (std::is_same_v<Option, option::ElementWise> || ...);
+        Options declared;
+        (options.applyTo(declared), ...);
+        detail::FunctionRecord record{
+            reinterpret_cast<void*>(fn),
+            {detail::entryOf<D, lifted>(), reinterpret_cast<NativeEntry>(fn),
+             Signature<Fn>::convention},
+            lifted ? BuiltinVariant::IsElementWise::YES : BuiltinVariant::IsElementWise::NO,
+            D::signatures(declared.tolerance)};
+        detail::addFunction(variants_, name_, std::move(record), declared);
+        return *this;
+    }
+
+    // The array function that takes the calls no declared function takes.
+    template <class... Option>
+    Builtin& fallback(BuiltinFcn::ArrayFunction function, const Option&... options) {
+        Options declared;
+        (options.applyTo(declared), ...);
+        defaultVariant_ = detail::defaultVariantOf(function, name_, declared);
+        return *this;
+    }
+
+    const std::string& name() const { return name_; }
+
+private:
+    friend class DeclaredBuiltin;
+    std::string name_;
+    std::vector<BuiltinVariant> variants_;
+    BuiltinVariant defaultVariant_;
+};
+
+// A declared builtin: its search lists and the BuiltinFcn over them, which lives as long as this.
+class BUILTIN_API DeclaredBuiltin {
+public:
+    explicit DeclaredBuiltin(Builtin&& builtin);
+    DeclaredBuiltin(const DeclaredBuiltin&) = delete;
+    DeclaredBuiltin& operator=(const DeclaredBuiltin&) = delete;
+    ~DeclaredBuiltin();
+
+    const std::string& name() const { return function_->getName(); }
+    const BuiltinFcn& function() const { return *function_; }
+    const builtinreg::BuiltinVariantLists& lists() const { return lists_; }
+
+private:
+    builtinreg::BuiltinVariantLists lists_;
+    std::unique_ptr<BuiltinFcn> function_;
+};
+
+}  // namespace Norvane::builtin::declare

@@ -1,0 +1,49 @@
+// The builtins of the modules running in the process, as a host (kcall, a test) finds them:
+// every IBuiltinModule service of the process's framework, with their builtins by name.
+//
+// Two modules that declare one builtin name make the directory fail with both names: a host
+// cannot tell which one a call means.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <fl/filesystem.hpp>
+
+#include <builtin/config.hpp>
+#include <builtin/invoke/BuiltinFcn.hpp>
+#include <builtin/services/IBuiltinModule.hpp>
+#include <builtin/variants/BuiltinVariantLists.hpp>
+
+namespace Norvane::builtin::declare {
+
+class BUILTIN_API ModuleDirectory {
+public:
+    // Starts the builtin service bundles, then the module bundles of each folder (a relative
+    // folder lies under the installation root), then collects the modules. Throws what the
+    // start of a bundle throws, and std::runtime_error for a builtin name declared twice.
+    static ModuleDirectory start(const std::vector<fl::filesystem::path>& folders);
+
+    // The modules whose services are registered now.
+    ModuleDirectory();
+
+    const BuiltinFcn* find(std::string_view name) const;
+    const builtinreg::BuiltinVariantLists* lists(std::string_view name) const;
+    // The module that declares the builtin; empty if none does.
+    std::string moduleOf(std::string_view name) const;
+    // Every builtin with its module, sorted by builtin.
+    std::vector<std::pair<std::string, std::string>> list() const;
+
+private:
+    std::vector<std::shared_ptr<IBuiltinModule>> modules_;  // keeps the services alive
+    std::map<std::string, const IBuiltinModule*, std::less<>> byBuiltin_;
+};
+
+// The folder of the builtin service bundles, where module bundles are installed too.
+BUILTIN_API fl::filesystem::path builtinServicesFolder();
+
+}  // namespace Norvane::builtin::declare

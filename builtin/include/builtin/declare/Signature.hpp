@@ -1,0 +1,83 @@
+// What the C++ type of a native function says about it: its calling convention, its inputs
+// and its output. The convention is read off the trailing parameters:
+//
+//   R f(A...)                                                          Direct
+//   R f(A..., OrroFunctionDescriptor*)                                 DirectWithDescriptor
+//   bool f(A..., R* out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*)   CanThrow
+//   bool f(A..., void* out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*) CanThrow, no output
+#pragma once
+
+#include <cstddef>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include <builtin/calling/CallingConvention.hpp>
+#include <builtin/calling/OrroBuiltinEnvironment.hpp>
+#include <builtin/calling/OrroFunctionDescriptor.hpp>
+
+namespace Norvane::builtin::declare {
+
+template <class... T>
+struct TypeList {
+    static constexpr std::size_t size = sizeof...(T);
+};
+
+namespace detail {
+
+template <class Tuple, std::size_t... I>
+TypeList<std::tuple_element_t<I, Tuple>...> firstOf(std::index_sequence<I...>);
+
+// The first N types of the pack.
+template <std::size_t N, class... A>
+using First = decltype(firstOf<std::tuple<A...>>(std::make_index_sequence<N>()));
+
+// The type K places from the end of the pack, K from 1.
+template <std::size_t K, class... A>
+using FromEnd = std::tuple_element_t<sizeof...(A) - K, std::tuple<A...>>;
+
+template <class R, class... A>
+constexpr JIT_CALLING_CONVENTION conventionOf() {
+    constexpr std::size_t n = sizeof...(A);
+    if constexpr (n >= 3 && std::is_same_v<R, bool>) {
+        if constexpr (std::is_same_v<FromEnd<1, A...>, OrroFunctionDescriptor*> &&
+                      std::is_same_v<FromEnd<2, A...>, IOrroBuiltinEnvironment*> &&
+                      std::is_pointer_v<FromEnd<3, A...>>) {
+            return JIT_CALLING_CONVENTION::CanThrow;
+        }
+    }
+    if constexpr (n >= 1) {
+        if constexpr (std::is_same_v<FromEnd<1, A...>, OrroFunctionDescriptor*>) {
+            return JIT_CALLING_CONVENTION::DirectWithDescriptor;
+        }
+    }
+    return JIT_CALLING_CONVENTION::Direct;
+}
+
+// The result of the function, or what its out parameter points at under CanThrow.
+template <JIT_CALLING_CONVENTION C, class R, class... A>
+struct OutputOf {
+    using type = R;
+};
+template <class R, class... A>
+struct OutputOf<JIT_CALLING_CONVENTION::CanThrow, R, A...> {
+    using type = std::remove_pointer_t<FromEnd<3, A...>>;
+};
+
+}  // namespace detail
+
+template <class F>
+struct Signature;
+
+template <class R, class... A>
+struct Signature<R (*)(A...)> {
+    static constexpr JIT_CALLING_CONVENTION convention = detail::conventionOf<R, A...>();
+    static constexpr std::size_t trailing = convention == JIT_CALLING_CONVENTION::CanThrow ? 3
+                                            : convention == JIT_CALLING_CONVENTION::Direct ? 0
+                                                                                           : 1;
+    using Inputs = detail::First<sizeof...(A) - trailing, A...>;
+    using Output = typename detail::OutputOf<convention, R, A...>::type;
+    using Function = R (*)(A...);
+};
+
+}  // namespace Norvane::builtin::declare

@@ -1,0 +1,95 @@
+// The ordinary code behind the declaration templates: the behaviour a declaration stands for,
+// the variants of one function, and the builtin function object over the finished lists.
+#include <builtin/declare/Builtin.hpp>
+
+#include <stdexcept>
+
+namespace Norvane::builtin::declare {
+
+namespace {
+
+using V = BuiltinVariant;
+
+struct Behaviour {
+    V::CallsIntoKeldor callsBack;
+    V::HasSideEffects sideEffects;
+    V::HasWarnings warns;
+    V::HasExceptions errors;
+};
+
+// The safe answer where the author said nothing: a function may call back and may have side
+// effects; it may warn and fail exactly if its form lets it report.
+Behaviour resolve(const Options& options, JIT_CALLING_CONVENTION convention, const std::string& name) {
+    const bool canReport = convention == JIT_CALLING_CONVENTION::CanThrow;
+    const bool warns = options.warns.value_or(canReport);
+    const bool errors = options.errors.value_or(canReport);
+    if (!canReport && (warns || errors)) {
+        throw std::invalid_argument(
+            "builtin " + name + ": a function that warns or fails reports through its environment: "
+            "bool f(inputs..., R* out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*)");
+    }
+    if (canReport && !warns && !errors) {
+        throw std::invalid_argument("builtin " + name + ": a function of the reporting form must be "
+                                    "able to warn or to fail; declare it without noWarnings or noErrors");
+    }
+    return {options.callsBack.value_or(true) ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
+            options.sideEffects.value_or(true) ? V::HasSideEffects::YES : V::HasSideEffects::NO,
+            warns ? V::HasWarnings::YES : V::HasWarnings::NO,
+            errors ? V::HasExceptions::YES : V::HasExceptions::NO};
+}
+
+// Whatever the arguments' types, the builtin is called as the interpreter calls it without
+// the engine.
+class DeclaredFcn final : public BuiltinFcn {
+public:
+    DeclaredFcn(std::string name, const builtinreg::BuiltinVariantLists& lists, BuiltinVariant defaultVariant)
+        : BuiltinFcn(std::move(name), {}, lists, std::move(defaultVariant), nullptr) {}
+    void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
+        invoke(nlhs, plhs, nrhs, prhs, VariantsToConsider::InvokeNoOrro);
+    }
+    BuiltinFcn* clone() const override { return new DeclaredFcn(*this); }
+};
+
+}  // namespace
+
+namespace detail {
+
+void relaxOpenParameters(builtinreg::ArgTypes& signatures, std::initializer_list<bool> open) {
+    for (std::vector<ArgType>& signature : signatures.inputs) {
+        std::size_t position = 0;
+        for (const bool relaxed : open) {
+            if (relaxed) {
+                signature[position] = types::setSignatureTolerance(std::move(signature[position]),
+                                                                   types::SignatureTolerance::RELAXED);
+            }
+            ++position;
+        }
+    }
+}
+
+void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name, FunctionRecord&& record,
+                 const Options& options) {
+    const Behaviour behaviour = resolve(options, record.descriptor.callingConvention, name);
+    builtinreg::detail::FlagList flags = options.flags;
+    builtinreg::detail::sortFlags(flags);
+    // Flags go into every variant of the vector they are given, so each function gets its own.
+    std::vector<BuiltinVariant> fresh;
+    builtinreg::detail::appendNewVariants(
+        fresh, record.developerFunction, behaviour.callsBack, behaviour.sideEffects,
+        options.cppName.empty() ? name : options.cppName, name, options.dominantClass, flags, behaviour.errors,
+        record.descriptor, record.elementWise, behaviour.warns, std::move(record.signatures.outputs),
+        std::move(record.signatures.inputs));
+    variants = builtinreg::detail::appendVariants(std::move(variants), std::move(fresh));
+}
+
+}  // namespace detail
+
+Builtin::Builtin(std::string name) : name_(std::move(name)) {}
+
+DeclaredBuiltin::DeclaredBuiltin(Builtin&& builtin)
+    : lists_(std::move(builtin.variants_)),
+      function_(std::make_unique<DeclaredFcn>(builtin.name_, lists_, std::move(builtin.defaultVariant_))) {}
+
+DeclaredBuiltin::~DeclaredBuiltin() = default;
+
+}  // namespace Norvane::builtin::declare

@@ -1,0 +1,236 @@
+// The sample module: one builtin of each kind a module author writes, declared the way the
+// declaration headers intend. It is the reference for authors and the subject of the end-to-end
+// tests; every road of a call runs through one of its builtins.
+//
+//   plus, minus, times   element-wise over double, single, int32, complex double; mixed real
+//                        and complex scalars; plus of two strings joins them
+//   sqrt                 element-wise, warns for a negative real input and gives NaN there
+//   hypot, abs           element-wise; abs also of complex values and arrays
+//   sum                  of a double array along its first dimension whose size is not 1
+//   round                halves away from zero, or with 'even' to the even neighbour, 'away'
+//   sort                 of a double vector, with 'ascend' or 'descend'
+//   upper                of a string or a char row
+//   inv                  of a double scalar; 0 is an error
+//   size, class          default implementations only, over arrays of every kind
+#include <algorithm>
+#include <cfenv>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <builtin/declare/declare.hpp>
+#include <ka/ka.hpp>
+
+#include "Arithmetic.hpp"
+
+namespace sample {
+
+namespace {
+
+using namespace Norvane::builtin;
+using namespace Norvane::builtin::declare;
+using Complex = std::complex<double>;
+
+// --- arithmetic ------------------------------------------------------------------------------
+
+template <template <class> class Op>
+void declareArithmetic(Builtin& builtin) {
+    builtin.def(&Op<double>::apply, pure, elementwise)
+        .def(&Op<float>::apply, pure, elementwise)
+        .def(&Op<std::int32_t>::apply, pure, elementwise)
+        .def(&Op<Complex>::apply, pure, elementwise)
+        .def(&complexReal<&Op<Complex>::apply>, pure)
+        .def(&realComplex<&Op<Complex>::apply>, pure);
+}
+
+template <class T>
+struct Add {
+    static T apply(T a, T b) { return add(a, b); }
+};
+template <class T>
+struct Subtract {
+    static T apply(T a, T b) { return subtract(a, b); }
+};
+template <class T>
+struct Multiply {
+    static T apply(T a, T b) { return multiply(a, b); }
+};
+
+std::u16string join(std::u16string_view a, std::u16string_view b) {
+    return std::u16string(a) + std::u16string(b);
+}
+
+// --- functions of one number ------------------------------------------------------------------
+
+// The reporting form: a negative input warns and gives NaN, as the language's real sqrt does.
+bool squareRoot(double x, double* out, IOrroBuiltinEnvironment* environment, OrroFunctionDescriptor*) {
+    if (x >= 0 || std::isnan(x)) {
+        *out = std::sqrt(x);
+        return false;
+    }
+    *out = std::numeric_limits<double>::quiet_NaN();
+    if (IOrroBuiltinAccessors* accessors = environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
+        accessors->AddWarningMessage(u"sqrt of a negative number is NaN here; take the sqrt of a complex number instead");
+    }
+    return true;
+}
+
+double hypotenuse(double a, double b) { return std::hypot(a, b); }
+double absolute(double x) { return std::abs(x); }
+float absoluteSingle(float x) { return std::abs(x); }
+double magnitude(Complex z) { return std::abs(z); }
+
+ka::ArrayPtr magnitudes(Array<Complex> z) {
+    const auto dims = z.dimensions();
+    ka::ArrayPtr result = ka::createNumeric(kaDOUBLE_CLASS, ka::Dims(dims.begin(), dims.end()));
+    auto* out = static_cast<double*>(matrix::data(result.get()));
+    std::transform(z.begin(), z.end(), out, [](Complex value) { return std::abs(value); });
+    return result;
+}
+
+double roundAway(double x) { return std::round(x); }
+double roundEven(double x) {
+    // Halves go to the even neighbour: the rounding of IEEE arithmetic itself.
+    const double floor = std::floor(x);
+    const double difference = x - floor;
+    if (difference != 0.5) return std::round(x);
+    return std::fmod(floor, 2.0) == 0 ? floor : floor + 1;
+}
+
+// inv of a scalar: 1/0 is an error here rather than Inf.
+bool inverse(double x, double* out, IOrroBuiltinEnvironment* environment, OrroFunctionDescriptor*) {
+    try {
+        if (x == 0) throw std::domain_error("inv: the inverse of 0 does not exist");
+        *out = 1 / x;
+        return false;
+    } catch (...) {
+        if (IOrroBuiltinAccessors* accessors = environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
+            accessors->SetInternalPendingException();
+        }
+        return true;
+    }
+}
+
+// --- arrays ----------------------------------------------------------------------------------
+
+// Along the first dimension whose size is not 1; the sum of nothing is 0.
+ka::ArrayPtr sumAlongFirst(Array<double> x) {
+    const auto dims = x.dimensions();
+    ka::Dims out(dims.begin(), dims.end());
+    const auto first = std::find_if(dims.begin(), dims.end(), [](std::size_t n) { return n != 1; });
+    const std::size_t d = first == dims.end() ? 0 : static_cast<std::size_t>(first - dims.begin());
+    std::size_t before = 1, after = 1;
+    for (std::size_t k = 0; k < dims.size(); ++k) {
+        if (k < d) before *= dims[k];
+        if (k > d) after *= dims[k];
+    }
+    const std::size_t n = dims[d];
+    out[d] = 1;
+    if (dims.size() == 2 && dims[0] == 0 && dims[1] == 0) out = {1, 1};  // sum([]) is 0
+    ka::ArrayPtr result = ka::createNumeric(kaDOUBLE_CLASS, out);
+    auto* sums = static_cast<double*>(matrix::data(result.get()));
+    for (std::size_t a = 0; a < after; ++a) {
+        for (std::size_t b = 0; b < before; ++b) {
+            double total = 0;
+            for (std::size_t k = 0; k < n; ++k) total += x[b + k * before + a * before * n];
+            sums[b + a * before] = total;
+        }
+    }
+    return result;
+}
+
+template <class Vector, bool Descending>
+ka::ArrayPtr sorted(Vector v) {
+    const auto dims = v.dimensions();
+    std::vector<double> values(v.begin(), v.end());
+    // NaN goes last, as the language sorts.
+    std::stable_sort(values.begin(), values.end(), [](double a, double b) {
+        if (std::isnan(a)) return false;
+        if (std::isnan(b)) return true;
+        return Descending ? a > b : a < b;
+    });
+    return ka::createFrom<double>(ka::Dims(dims.begin(), dims.end()), values);
+}
+
+template <class Vector>
+void declareSort(Builtin& sort) {
+    sort.def(&sorted<Vector, false>, pure, relaxed, cppName("sortAscend"))
+        .def(&sorted<Vector, false>, pure, relaxed, flag(1, "ascend"), cppName("sortAscend"))
+        .def(&sorted<Vector, true>, pure, relaxed, flag(1, "descend"), cppName("sortDescend"));
+}
+
+char16_t upperOf(char16_t c) {
+    // ASCII and Latin-1 letters; the other characters stay.
+    if ((c >= u'a' && c <= u'z') || (c >= u'\u00e0' && c <= u'\u00fe' && c != u'\u00f7')) return c - 32;
+    return c;
+}
+
+std::u16string upperString(ScalarString s) {
+    std::u16string result(s.text);
+    std::transform(result.begin(), result.end(), result.begin(), upperOf);
+    return result;
+}
+
+template <class Chars>
+ka::ArrayPtr upperChars(Chars chars) {
+    std::u16string text(chars.begin(), chars.end());
+    std::transform(text.begin(), text.end(), text.begin(), upperOf);
+    return text.empty() ? ka::createNumeric(kaCHAR_CLASS, {0, 0}) : ka::charArray(std::u16string_view(text));
+}
+
+// --- default implementations ------------------------------------------------------------------
+
+// size(x): the dimensions as a row of doubles.
+void sizeOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor*) {
+    if (nrhs != 1) throw std::invalid_argument("size takes one argument");
+    const auto dims = matrix::dimensions(prhs[0]);
+    std::vector<double> values(dims.begin(), dims.end());
+    plhs[0] = ka::createFrom<double>({1, values.size()}, values).release();
+}
+
+// class(x): the class name as a char row.
+void classOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor*) {
+    if (nrhs != 1) throw std::invalid_argument("class takes one argument");
+    const std::string& objectClass = ka::objectClassName(prhs[0]);
+    const std::string name = objectClass.empty() ? std::string(ka::className(matrix::classId(prhs[0]))) : objectClass;
+    plhs[0] = ka::charArray(std::string_view(name)).release();
+}
+
+void declareSample(Module& module) {
+    declareArithmetic<Add>(module.builtin("plus").def(&join, pure));
+    declareArithmetic<Subtract>(module.builtin("minus"));
+    declareArithmetic<Multiply>(module.builtin("times"));
+    module.builtin("sqrt").def(&squareRoot, pure, elementwise, noErrors);
+    module.builtin("hypot").def(&hypotenuse, pure, elementwise);
+    module.builtin("abs")
+        .def(&absolute, pure, elementwise)
+        .def(&absoluteSingle, pure, elementwise)
+        .def(&magnitude, pure)
+        .def(&magnitudes, pure);
+    module.builtin("sum").def(&sumAlongFirst, pure);
+    module.builtin("round")
+        .def(&roundAway, pure, elementwise, cppName("roundAway"))
+        .def(&roundEven, pure, elementwise, flag(1, "even"), cppName("roundEven"))
+        .def(&roundAway, pure, elementwise, flag(1, "away"), cppName("roundAway"));
+    Builtin& sort = module.builtin("sort");
+    declareSort<Row<double>>(sort);
+    declareSort<Column<double>>(sort);
+    module.builtin("upper")
+        .def(&upperString, pure)
+        .def(&upperChars<Row<char16_t>>, pure, relaxed)
+        .def(&upperChars<Empty<char16_t>>, pure);
+    module.builtin("inv").def(&inverse, pure, noWarnings);
+    module.builtin("size").fallback(&sizeOf, pure, noWarnings);
+    module.builtin("class").fallback(&classOf, pure, noWarnings);
+}
+
+}  // namespace
+
+}  // namespace sample
+
+KELDOR_BUILTIN_MODULE("sample", sample::declareSample)
