@@ -12,6 +12,7 @@
 
 #include <builtin/declare/ModuleDirectory.hpp>
 #include <builtin/services/BuiltinServices.hpp>
+#include <classbundle/ClassSystem.hpp>
 #include <fl/i18n.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 
@@ -65,7 +66,7 @@ TEST_F(SampleModule, TheHostListsTheModule) {
     EXPECT_EQ(directory_->moduleOf("plus"), "sample");
     EXPECT_NE(directory_->lists("sort"), nullptr);
     EXPECT_EQ(directory_->find("nothing"), nullptr);
-    EXPECT_EQ(directory_->list().size(), 13u);
+    EXPECT_EQ(directory_->list().size(), 15u);
 }
 
 TEST_F(SampleModule, ScalarsOfEveryClass) {
@@ -157,6 +158,17 @@ TEST_F(SampleModule, ErrorsReachTheCaller) {
     } catch (const std::domain_error& e) {
         EXPECT_STREQ(e.what(), "inv: the inverse of 0 does not exist");
     }
+}
+
+TEST_F(SampleModule, ObjectsOfTheClassSystem) {
+    {
+        const ka::ArrayPtr counter = call("counter", {ka::scalar(41.0).get()});
+        EXPECT_EQ(ka::objectClassName(counter.get()), "Counter");
+        EXPECT_EQ(values<double>(call("count", {counter.get()})), std::vector<double>{41});
+        EXPECT_EQ(values<char16_t>(call("class", {counter.get()})).size(), 7u);
+        EXPECT_THROW(call("count", {ka::scalar(1.0).get()}), std::exception) << "not an object";
+    }
+    EXPECT_EQ(classbundle::Counter::liveCounters(), 0);
 }
 
 TEST_F(SampleModule, DefaultImplementations) {

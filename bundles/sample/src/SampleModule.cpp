@@ -12,6 +12,8 @@
 //   upper                of a string or a char row
 //   inv                  of a double scalar; 0 is an error
 //   size, class          default implementations only, over arrays of every kind
+//   counter, count       an object of the class system's Counter class made from a number, and
+//                        the number read back
 #include <algorithm>
 #include <cfenv>
 #include <cmath>
@@ -24,6 +26,7 @@
 #include <vector>
 
 #include <builtin/declare/declare.hpp>
+#include <classbundle/ClassSystem.hpp>
 #include <ka/ka.hpp>
 
 #include "Arithmetic.hpp"
@@ -183,6 +186,14 @@ ka::ArrayPtr upperChars(Chars chars) {
     return text.empty() ? ka::createNumeric(kaCHAR_CLASS, {0, 0}) : ka::charArray(std::u16string_view(text));
 }
 
+// --- objects ---------------------------------------------------------------------------------
+
+using classbundle::Counter;
+
+// The engine object starts without a reference; the array it goes into takes one.
+Counter* makeCounter(double start) { return new Counter(static_cast<long>(std::llround(start))); }
+double countOf(Counter* counter) { return static_cast<double>(counter->value()); }
+
 // --- default implementations ------------------------------------------------------------------
 
 // size(x): the dimensions as a row of doubles.
@@ -225,6 +236,9 @@ void declareSample(Module& module) {
         .def(&upperChars<Row<char16_t>>, pure, relaxed)
         .def(&upperChars<Empty<char16_t>>, pure);
     module.builtin("inv").def(&inverse, pure, noWarnings);
+    module.object<Counter>();
+    module.builtin("counter").def(&makeCounter, pure);
+    module.builtin("count").def(&countOf, pure);
     module.builtin("size").fallback(&sizeOf, pure, noWarnings);
     module.builtin("class").fallback(&classOf, pure, noWarnings);
 }

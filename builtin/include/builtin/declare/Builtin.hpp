@@ -24,6 +24,7 @@
 #include <builtin/calling/InlineCWrappers.hpp>
 #include <builtin/config.hpp>
 #include <builtin/declare/Entries.hpp>
+#include <builtin/declare/Objects.hpp>
 #include <builtin/declare/Options.hpp>
 #include <builtin/declare/Parameters.hpp>
 #include <builtin/declare/Signature.hpp>

@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <vector>
 
 #include <cppmicroservices/BundleActivator.h>
@@ -36,6 +37,14 @@ public:
     // std::logic_error once the module is finished.
     Builtin& builtin(const std::string& name);
 
+    // Registers the native class C (Objects.hpp) with the class system and the engine, so that
+    // C* can stand in signatures and its objects classify at a call.
+    template <class C>
+    Module& object() {
+        registerObjectType(typeid(C));
+        return *this;
+    }
+
     // Makes the lists and function objects of every builtin declared.
     void finish();
 
@@ -45,6 +54,8 @@ public:
     const builtinreg::BuiltinVariantLists* getVariantLists(std::string_view name) const override;
 
 private:
+    void registerObjectType(const std::type_info& type);
+
     std::string name_;
     std::map<std::string, Builtin, std::less<>> declaring_;
     std::map<std::string, std::unique_ptr<DeclaredBuiltin>, std::less<>> declared_;

@@ -5,6 +5,7 @@
 #include <builtin/declare/Builtin.hpp>
 #include <builtin/declare/Module.hpp>
 #include <builtin/declare/ModuleDirectory.hpp>
+#include <builtin/declare/Objects.hpp>
 #include <builtin/declare/Options.hpp>
 #include <builtin/declare/Parameters.hpp>
 #include <builtin/declare/Signature.hpp>
