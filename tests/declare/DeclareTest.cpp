@@ -3,6 +3,7 @@
 // a default implementation, and modules as a host sees them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include <builtin/declare/declare.hpp>
@@ -110,6 +111,34 @@ TEST_F(Declared, BehaviourHasSafeDefaults) {
     EXPECT_EQ(sure.lists().all[0].orroSupportLevel, OrroSupportLevel::EQUIVALENT_SUPPORT);
     EXPECT_EQ(sure.lists().searchedByOrro.size(), 1u);
     EXPECT_THROW(contradiction.def(&warnsOnly, pure, noWarnings, noErrors), std::invalid_argument);
+}
+
+double negate(double x) { return -x; }
+double absolute(double x) { return x < 0 ? -x : x; }
+double sizeOf(Array<double> values) { return static_cast<double>(values.size()); }
+double firstOfRow(Row<double> row) { return row[0]; }
+
+std::vector<std::string> findingsOf(LintFinding::Kind kind, Builtin&& builtin) {
+    std::vector<std::string> names;
+    for (const auto& finding : lintVariantLists("f", DeclaredBuiltin(std::move(builtin)).lists())) {
+        if (finding.kind == kind) names.push_back(finding.message.substr(0, finding.message.find('(')));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST(Lint, FindsUnreachableAndLoweredVariants) {
+    Builtin unreachable("f");
+    unreachable.def(&negate, pure, elementwise, cppName("negate"))
+        .def(&absolute, pure, elementwise, cppName("absolute"))  // the signature of negate
+        .def(&sizeOf, pure, cppName("sizeOf"));                  // every double array goes to negate
+    EXPECT_EQ(findingsOf(LintFinding::Kind::UNREACHABLE, std::move(unreachable)),
+              (std::vector<std::string>{"f: absolute", "f: sizeOf"}));
+
+    // A row of a function that may call back shadows every pure function of double arrays.
+    Builtin lowered("f");
+    lowered.def(&firstOfRow, noSideEffects, cppName("callsBack")).def(&sizeOf, pure, cppName("pure"));
+    EXPECT_EQ(findingsOf(LintFinding::Kind::LOWERED, std::move(lowered)), std::vector<std::string>{"f: pure"});
 }
 
 // --- default implementations ----------------------------------------------------------------

@@ -10,6 +10,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include <builtin/declare/Lint.hpp>
 #include <builtin/declare/ModuleDirectory.hpp>
 #include <builtin/services/BuiltinServices.hpp>
 #include <classbundle/ClassSystem.hpp>
@@ -66,6 +67,11 @@ TEST_F(SampleModule, TheHostListsTheModule) {
     EXPECT_EQ(directory_->moduleOf("plus"), "sample");
     EXPECT_NE(directory_->lists("sort"), nullptr);
     EXPECT_EQ(directory_->find("nothing"), nullptr);
+    for (const auto& [name, module] : directory_->list()) {
+        for (const auto& finding : declare::lintVariantLists(name, *directory_->lists(name))) {
+            ADD_FAILURE() << finding.message;
+        }
+    }
     EXPECT_EQ(directory_->list().size(), 15u);
 }
 

@@ -3,6 +3,7 @@
 
 #include <builtin/declare/Arrays.hpp>
 #include <builtin/declare/Builtin.hpp>
+#include <builtin/declare/Lint.hpp>
 #include <builtin/declare/Module.hpp>
 #include <builtin/declare/ModuleDirectory.hpp>
 #include <builtin/declare/Objects.hpp>
