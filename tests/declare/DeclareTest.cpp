@@ -113,9 +113,48 @@ TEST_F(Declared, BehaviourHasSafeDefaults) {
     EXPECT_THROW(contradiction.def(&warnsOnly, pure, noWarnings, noErrors), std::invalid_argument);
 }
 
+double sizeOf(Array<double> values) { return static_cast<double>(values.size()); }
+double cellCount(ScalarArray<matrix::cell> cells) { return static_cast<double>(cells.size()); }
+
+// What the engine does with a boxing variant: calls its entry with its own unboxed values.
+struct EngineEnvironment final : IOrroBuiltinEnvironment, IOrroBuiltinAccessors {
+    std::exception_ptr failure;
+    IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
+    void AddWarningMessage(const std::u16string&) override {}
+    void SetInternalPendingException() override { failure = std::current_exception(); }
+};
+
+TEST_F(Declared, BoxingVariantsServeTheEngine) {
+    // Two builtins: boxing variants of one signature from two sources would leave one of them
+    // unreachable.
+    Builtin size("size"), cells("cells");
+    const DeclaredBuiltin sizes(std::move(size.def(&sizeOf, pure, boxed<double>(), cppName("size"))));
+    const DeclaredBuiltin counts(std::move(cells.def(&cellCount, pure, boxed<double>(), cppName("cells"))));
+    std::vector<const BuiltinVariant*> boxing;
+    for (const DeclaredBuiltin* done : {&sizes, &counts}) {
+        for (const BuiltinVariant& v : done->lists().searchedByOrro) {
+            if (v.originalVariant) boxing.push_back(&v);
+        }
+    }
+    ASSERT_EQ(boxing.size(), 2u);
+    EngineEnvironment environment;
+    for (const BuiltinVariant* v : boxing) {
+        EXPECT_EQ(v->orroSupportLevel, OrroSupportLevel::ORRO_ONLY);
+        bool pending = true;
+        auto* descriptor = const_cast<OrroFunctionDescriptor*>(&v->functionDescriptor);
+        const Parameter result = descriptor->typedEntry(descriptor, &environment, pending, {Parameter(3.0)});
+        if (v->cppFunctionName == "size") {
+            EXPECT_FALSE(pending);
+            EXPECT_EQ(boost::get<double>(result), 1) << "a 1-by-1 array of the double";
+        } else {
+            EXPECT_TRUE(pending) << "a double is no cell: the failure is reported, not thrown";
+            EXPECT_THROW(std::rethrow_exception(environment.failure), std::exception);
+        }
+    }
+}
+
 double negate(double x) { return -x; }
 double absolute(double x) { return x < 0 ? -x : x; }
-double sizeOf(Array<double> values) { return static_cast<double>(values.size()); }
 double firstOfRow(Row<double> row) { return row[0]; }
 
 std::vector<std::string> findingsOf(LintFinding::Kind kind, Builtin&& builtin) {

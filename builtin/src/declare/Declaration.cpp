@@ -67,6 +67,29 @@ void relaxOpenParameters(builtinreg::ArgTypes& signatures, std::initializer_list
     }
 }
 
+// For each declared variant, the engine-only variants of each boxing declaration: copies of it
+// that share it as their source, with the boxing entry and the boxed inputs.
+void addBoxingVariants(std::vector<BuiltinVariant>& variants, const std::vector<BoxingRecord>& boxing) {
+    if (boxing.empty()) return;
+    std::vector<BuiltinVariant> added;
+    for (const BuiltinVariant& declared : variants) {
+        const auto source = std::make_shared<const BuiltinVariant>(declared);
+        for (const BoxingRecord& record : boxing) {
+            if (record.inputs.size() != declared.inputArgTypes.size()) {
+                throw std::invalid_argument("builtin " + declared.keldorFunctionName +
+                                            ": a boxing declaration names one type per input");
+            }
+            BuiltinVariant prototype = declared;
+            prototype.functionDescriptor.typedEntry = record.entry;
+            prototype.originalVariant = source;
+            const std::size_t first = added.size();
+            builtinreg::detail::fillBoxedVariants(prototype, added, {record.inputs});
+            builtinreg::detail::assertBoxingVariantConsistent(added[first], declared);
+        }
+    }
+    variants.insert(variants.end(), added.begin(), added.end());
+}
+
 void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name, FunctionRecord&& record,
                  const Options& options) {
     const Behaviour behaviour = resolve(options, record.descriptor.callingConvention, name);
@@ -79,6 +102,7 @@ void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
         options.cppName.empty() ? name : options.cppName, name, options.dominantClass, flags, behaviour.errors,
         record.descriptor, record.elementWise, behaviour.warns, std::move(record.signatures.outputs),
         std::move(record.signatures.inputs));
+    addBoxingVariants(fresh, record.boxing);
     variants = builtinreg::detail::appendVariants(std::move(variants), std::move(fresh));
 }
 

@@ -223,7 +223,8 @@ void declareSample(Module& module) {
         .def(&absoluteSingle, pure, elementwise)
         .def(&magnitude, pure)
         .def(&magnitudes, pure);
-    module.builtin("sum").def(&sumAlongFirst, pure);
+    // The engine holds a double scalar unboxed; the boxing variant hands it over as an array.
+    module.builtin("sum").def(&sumAlongFirst, pure, boxed<double>());
     module.builtin("round")
         .def(&roundAway, pure, elementwise, cppName("roundAway"))
         .def(&roundEven, pure, elementwise, flag(1, "even"), cppName("roundEven"))

@@ -36,13 +36,27 @@ namespace Norvane::builtin::declare {
 
 namespace detail {
 
+// The engine-only variants of one boxing declaration: their entry and their inputs.
+struct BoxingRecord {
+    TypedEntry entry;
+    std::vector<ArgType> inputs;
+};
+
 // One native function, made plain for the library.
 struct FunctionRecord {
     void* developerFunction;
     OrroFunctionDescriptor descriptor;
     BuiltinVariant::IsElementWise elementWise;
     builtinreg::ArgTypes signatures;
+    std::vector<BoxingRecord> boxing;
 };
+
+template <class Fn, class... B>
+void addBoxingOf(std::vector<BoxingRecord>& records, const option::Boxed<B...>&) {
+    using S = Signature<Fn>;
+    records.push_back({BoxingEntry<Fn, typename S::Output, typename S::Inputs, TypeList<B...>>::entry,
+                       {ParameterTraits<B>::getter(0)...}});
+}
 
 // Sets the tolerance RELAXED at the positions marked open, in every signature.
 BUILTIN_API void relaxOpenParameters(builtinreg::ArgTypes& signatures, std::initializer_list<bool> open);
@@ -131,7 +145,9 @@ public:
             {detail::entryOf<D, lifted>(), reinterpret_cast<NativeEntry>(fn),
              Signature<Fn>::convention},
             lifted ? BuiltinVariant::IsElementWise::YES : BuiltinVariant::IsElementWise::NO,
-            D::signatures(declared.tolerance)};
+            D::signatures(declared.tolerance),
+            {}};
+        (addBoxingIf<Fn>(record.boxing, options), ...);
         detail::addFunction(variants_, name_, std::move(record), declared);
         return *this;
     }
@@ -148,6 +164,13 @@ public:
     const std::string& name() const { return name_; }
 
 private:
+    template <class Fn, class Option>
+    static void addBoxingIf(std::vector<detail::BoxingRecord>& records, const Option& option) {
+        if constexpr (requires { detail::addBoxingOf<Fn>(records, option); }) {
+            detail::addBoxingOf<Fn>(records, option);
+        }
+    }
+
     friend class DeclaredBuiltin;
     std::string name_;
     std::vector<BuiltinVariant> variants_;

@@ -17,6 +17,7 @@
 #include <type_traits>
 #include <utility>
 
+#include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/declare/Parameters.hpp>
 #include <builtin/declare/Signature.hpp>
 #include <builtin/variants/BoxingVariants.hpp>
@@ -76,6 +77,54 @@ Parameter convertingEntry(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnviro
                                                     std::index_sequence_for<Inputs...>());
     }
 }
+
+// A value of the engine's type B, made into what a parameter of type A arrives as: a number
+// boxed into a 1-by-1 array (a new reference, kept by `created`) where A takes arrays,
+// otherwise the value as it came.
+template <class B, class A>
+Parameter boxedArgument(const Parameter& argument, CallHolders& created) {
+    if constexpr (std::is_same_v<typename ParameterTraits<A>::Arrives, kaArray_tag*> &&
+                  !std::is_same_v<B, kaArray_tag*>) {
+        kaArray_tag* array = nullptr;
+        builtinreg::detail::parameterConversionImpl(&array, boost::get<B>(argument));
+        created.emplace_back(array);
+        matrix::takeReference(array);  // the reference that the conversion's holders take over
+        return Parameter(array);
+    } else {
+        return argument;
+    }
+}
+
+// The typed entry of a boxing variant: box each argument, then call as the converting entry
+// does. Nothing escapes it: a failure is reported as a CanThrow function reports.
+template <class Fn, class Output, class Inputs, class Boxed>
+struct BoxingEntry;
+
+template <class Fn, class Output, class... Inputs, class... Boxed>
+struct BoxingEntry<Fn, Output, TypeList<Inputs...>, TypeList<Boxed...>> {
+    static_assert(sizeof...(Inputs) == sizeof...(Boxed), "a boxing declaration names one type per input");
+
+    static Parameter entry(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
+                           bool& pending, const ParameterList& arguments) {
+        pending = false;
+        try {
+            CallHolders created;
+            ParameterList boxedArguments = convert(arguments, created, std::index_sequence_for<Inputs...>());
+            return callConverted<Fn, Output, Inputs...>(descriptor, environment, pending, boxedArguments,
+                                                        std::index_sequence_for<Inputs...>());
+        } catch (...) {
+            builtinreg::detail::handleBoxingException(pending, environment);
+            return Parameter();
+        }
+    }
+
+    template <std::size_t... I>
+    static ParameterList convert(const ParameterList& arguments, CallHolders& created, std::index_sequence<I...>) {
+        ParameterList converted;
+        (converted.push_back(boxedArgument<Boxed, Inputs>(arguments[I], created)), ...);
+        return converted;
+    }
+};
 
 template <class Fn, class Output, class Inputs>
 struct ConvertingEntry;

@@ -61,6 +61,12 @@ struct Relaxed {
 struct ElementWise {
     void applyTo(Options&) const {}
 };
+// Engine-only boxing variants: the engine may call the function with unboxed values of types
+// B... (one per input), which the entry boxes into what the function takes. Handled by def.
+template <class... B>
+struct Boxed {
+    void applyTo(Options&) const {}
+};
 struct Flag {
     std::size_t position;
     std::string text;
@@ -85,6 +91,12 @@ inline constexpr option::NoErrors noErrors;
 inline constexpr option::Relaxed relaxed;
 inline constexpr option::ElementWise elementwise;
 
+// A boxing declaration: boxed<double>() lets the engine call a function of one array with a
+// double, which arrives as a 1-by-1 array.
+template <class... B>
+constexpr option::Boxed<B...> boxed() {
+    return {};
+}
 // A literal flag ('even', 'rows') at a position of the final input list, counting the flags.
 inline option::Flag flag(std::size_t position, std::string text) { return {position, std::move(text)}; }
 // The name of the native function in logs and diagnostics; the builtin's name by default.
