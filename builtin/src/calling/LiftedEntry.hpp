@@ -114,6 +114,10 @@ template <class T>
 Parameter liftOneInput(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
                        bool& pending, const ParameterList& arguments) {
   constexpr std::size_t k = parameterIndexOf<T>;
+  // The commonest call, an unboxed scalar, needs no view: straight to the scalar wrapper.
+  if (static_cast<std::size_t>(arguments[0].which()) == k) {
+    return getExportedInlineCWrapperFcn(nullptr, k, k)(descriptor, environment, pending, arguments);
+  }
   ElementView<T> view = makeView<T>(arguments[0], claimArray(arguments[0]));
   if (!view.array) {
     return getExportedInlineCWrapperFcn(nullptr, k, k)(descriptor, environment, pending,
@@ -138,6 +142,12 @@ template <class T>
 Parameter liftTwoInputs(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
                         bool& pending, const ParameterList& arguments) {
   constexpr std::size_t k = parameterIndexOf<T>;
+  // The commonest call, two unboxed scalars, needs no views: straight to the scalar wrapper.
+  if (static_cast<std::size_t>(arguments[0].which()) == k &&
+      static_cast<std::size_t>(arguments[1].which()) == k) {
+    return getExportedInlineCWrapperFcn(nullptr, k, k, k)(descriptor, environment, pending,
+                                                          arguments);
+  }
   // Both references are claimed first, so that a refusal of the second argument still gives
   // back the reference of the first.
   ka::ArrayPtr array0 = claimArray(arguments[0]);

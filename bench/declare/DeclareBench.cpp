@@ -1,0 +1,126 @@
+// What declaring builtins costs, and what a declared builtin costs per call.
+//
+//   StartSampleModule   stops and starts the sample module's bundle: the whole of its activator,
+//                       that is declaring every builtin, building their lists and function
+//                       objects, and registering the module's service.
+//   HandBuiltPlus       BuiltinFcn::invoke of double plus(double, double), declared by hand as
+//                       the README showed before the declaration headers: the library's
+//                       wrapper, among variants of other arities and types.
+//   DeclaredPlus        the sample module's plus on two 1-by-1 doubles, as a host finds it: an
+//                       element-wise kernel among its 13 variants, through the lifted entry.
+//
+// Goal: DeclaredPlus at most 1.1 x HandBuiltPlus. The program prints the ratio.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <builtin/builtin.hpp>
+#include <builtin/declare/declare.hpp>
+#include <foundation/cppmicroservices/framework.hpp>
+
+#include "RecordingReporter.hpp"
+
+namespace {
+
+using namespace Norvane::builtin;
+using namespace Norvane::builtin::types;
+using V = BuiltinVariant;
+
+[[gnu::noinline]] double add(double a, double b) { return a + b; }
+
+ArgType scalarOf(kaClassID element) { return NumericScalarTypes(element, NumericScalarTypes::Complexity::REAL); }
+
+// plus(double, double) among variants of other arities and element types, as a module would
+// have sorted them by hand.
+std::vector<BuiltinVariant> handBuiltPlus() {
+    const auto native = reinterpret_cast<NativeEntry>(&add);
+    const auto variant = [&](std::vector<ArgType> in, TypedEntry entry) {
+        return V(nullptr, OrroFunctionDescriptor{entry, native, JIT_CALLING_CONVENTION::Direct}, std::move(in),
+                 {scalarOf(kaDOUBLE_CLASS)}, V::CallsIntoKeldor::NO, V::HasWarnings::NO, V::HasExceptions::NO,
+                 V::HasSideEffects::NO, "add", "plus", "double", V::IsElementWise::NO);
+    };
+    const TypedEntry binary = builtinreg::detail::getExportedInlineCWrapperFcn(
+        nullptr, parameterIndexOf<double>, parameterIndexOf<double>, parameterIndexOf<double>);
+    const TypedEntry unary = builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<double>,
+                                                                              parameterIndexOf<double>);
+    std::vector<BuiltinVariant> list = {
+        variant({scalarOf(kaDOUBLE_CLASS)}, unary),
+        variant({scalarOf(kaDOUBLE_CLASS), scalarOf(kaDOUBLE_CLASS)}, binary),
+        variant({scalarOf(kaSINGLE_CLASS), scalarOf(kaSINGLE_CLASS)}, binary),
+        variant({scalarOf(kaINT32_CLASS), scalarOf(kaINT32_CLASS)}, binary),
+    };
+    std::sort(list.begin(), list.end());
+    return list;
+}
+
+class HandBuilt final : public BuiltinFcn {
+public:
+    explicit HandBuilt(const std::vector<BuiltinVariant>& list)
+        : BuiltinFcn("plus", {}, {list.data(), list.size()}, {}, {}, {list.data(), list.size()}, BuiltinVariant(),
+                     nullptr, {}) {}
+    void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
+        invoke(nlhs, plhs, nrhs, prhs, VariantsToConsider::InvokeNoOrro);
+    }
+    BuiltinFcn* clone() const override { return new HandBuilt(*this); }
+};
+
+const declare::ModuleDirectory& modules() {
+    static const declare::ModuleDirectory directory = [] {
+        unsetenv("KELDOR_INSTALL_ROOT");
+        foundation::cppmicroservices::createFramework();
+        return declare::ModuleDirectory::start({declare::builtinServicesFolder()});
+    }();
+    return directory;
+}
+
+void callPlus(benchmark::State& state, const BuiltinFcn& fcn) {
+    const ka::ArrayPtr a = ka::scalar(2.0), b = ka::scalar(3.0);
+    kaArray_tag* prhs[] = {a.get(), b.get()};
+    kaArray_tag* plhs[1] = {nullptr};
+    for (auto _ : state) {
+        fcn.call(1, plhs, 2, prhs);
+        benchmark::DoNotOptimize(plhs[0]);
+        matrix::releaseReference(plhs[0]);
+    }
+}
+
+void HandBuiltPlus(benchmark::State& state) {
+    const std::vector<BuiltinVariant> list = handBuiltPlus();
+    callPlus(state, HandBuilt(list));
+}
+BENCHMARK(HandBuiltPlus);
+
+void DeclaredPlus(benchmark::State& state) { callPlus(state, *modules().find("plus")); }
+BENCHMARK(DeclaredPlus);
+
+void StartSampleModule(benchmark::State& state) {
+    modules();
+    auto context = foundation::cppmicroservices::getFramework()->GetBundleContext();
+    cppmicroservices::Bundle sample;
+    for (auto& bundle : context.GetBundles()) {
+        if (bundle.GetSymbolicName() == "keldor_sample_module") sample = bundle;
+    }
+    for (auto _ : state) {
+        sample.Stop();
+        sample.Start();
+    }
+}
+BENCHMARK(StartSampleModule)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // Before any call: the first call fills the service holders for good, framework or not.
+    modules();
+    benchsupport::RecordingReporter reporter;
+    if (!benchsupport::runBenchmarks(argc, argv, reporter)) return 1;
+    const auto hand = reporter.times["HandBuiltPlus"], declared = reporter.times["DeclaredPlus"];
+    if (hand.real > 0 && declared.real > 0) {
+        std::printf("\nDeclaredPlus / HandBuiltPlus: %.2f real, %.2f CPU (goal: at most 1.1)\n",
+                    declared.real / hand.real, declared.cpu / hand.cpu);
+    }
+    const auto start = reporter.times["StartSampleModule"];
+    if (start.real > 0) std::printf("Starting the sample module: %.0f us\n", start.real);
+    return 0;
+}
