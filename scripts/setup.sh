@@ -9,6 +9,7 @@ packages=(
   libtbb-dev
   libgtest-dev libgmock-dev
   libbenchmark-dev
+  libcli11-dev libedit-dev
   python3-numpy
 )
 

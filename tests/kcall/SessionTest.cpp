@@ -98,9 +98,12 @@ TEST_F(SessionTest, ResultsVariablesAndQuietLines) {
 
 TEST_F(SessionTest, WarningsAndErrorsInBothForms) {
     EXPECT_EQ(run({"noisy(1);", "broken(1)", "twice(1, 2)", "nope(1)", "x = y", "f(1", "twice(int8(1))"}),
-              "|Warning: careful\nError: it broke\nError: builtin function implementation is nullptr\n"
+              "|Warning: careful\nError: it broke\n"
+              "Error: column 1: no variant of twice takes (double 1x1, double 1x1); kcall --describe twice lists "
+              "its variants\n"
               "Error: column 1: unknown function 'nope'\nError: column 5: 'y' is not defined\n"
-              "Error: column 4: expected ',' or ')'\nError: builtin function implementation is nullptr\n");
+              "Error: column 4: expected ',' or ')'\n"
+              "Error: column 1: no variant of twice takes (int8 1x1); kcall --describe twice lists its variants\n");
     EXPECT_EQ(failures_, 6);
     EXPECT_EQ(run({"[1 2.5; Inf 4]", "'hi'", "noisy(true)", "broken(1)"}, true),
               "{\"class\":\"double\",\"size\":[2,2],\"complex\":false,\"data\":[1E0,\"Inf\",2.5E0,4E0]}\n"

@@ -1,7 +1,9 @@
 #include "Evaluator.hpp"
 
+#include <utility>
 #include <vector>
 
+#include "Describe.hpp"
 #include "Values.hpp"
 
 namespace kcall {
@@ -87,8 +89,18 @@ ka::ArrayPtr Evaluator::call(const Expr& expr, int nlhs) {
     std::vector<kaArray_tag*> arguments;
     arguments.reserve(held.size());
     for (const ka::ArrayPtr& argument : held) arguments.push_back(argument.get());
+    if (observer_) observer_(expr.text, arguments, nlhs);
     kaArray_tag* result[1] = {nullptr};
-    fcn->call(nlhs, result, static_cast<int>(arguments.size()), arguments.data());
+    try {
+        fcn->call(nlhs, result, static_cast<int>(arguments.size()), arguments.data());
+    } catch (const std::logic_error& e) {
+        // What invoke says when no variant takes a call and there is no default: say it plainly.
+        if (std::string_view(e.what()) != "builtin function implementation is nullptr") throw;
+        std::string message = "no variant of " + expr.text + " takes (";
+        const char* separator = "";
+        for (kaArray_tag* argument : arguments) message += std::exchange(separator, ", ") + describeValue(argument);
+        throw EvaluationError(expr.column, message + "); kcall --describe " + expr.text + " lists its variants");
+    }
     return ka::ArrayPtr(result[0]);
 }
 

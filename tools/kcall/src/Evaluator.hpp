@@ -6,13 +6,16 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
+#include <span>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include <builtin/invoke/BuiltinFcn.hpp>
+#include <builtin/variants/BuiltinVariantLists.hpp>
 #include <ka/ka.hpp>
 
 #include "Syntax.hpp"
@@ -25,7 +28,12 @@ public:
     virtual ~BuiltinDirectory() = default;
     // The builtin of that name, or null.
     virtual const Norvane::builtin::BuiltinFcn* find(std::string_view name) const = 0;
+    // Its search lists, or null if they cannot be shown.
+    virtual const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(std::string_view) const { return nullptr; }
 };
+
+// Told of each call of a builtin just before it is made: name, arguments, outputs asked for.
+using CallObserver = std::function<void(const std::string&, std::span<kaArray_tag* const>, int)>;
 
 // A mistake in a statement that parsing could not see: an unknown name, a conversion given
 // something it cannot convert. The column is that of the expression at fault.
@@ -54,12 +62,15 @@ public:
     // The variable's value, or null.
     const kaArray_tag* variable(std::string_view name) const;
 
+    void observeCalls(CallObserver observer) { observer_ = std::move(observer); }
+
 private:
     ka::ArrayPtr evaluate(const Expr& expr);
     // A call with the outputs asked for (0 or 1); null if the builtin gave nothing.
     ka::ArrayPtr call(const Expr& expr, int nlhs);
 
     const BuiltinDirectory& builtins_;
+    CallObserver observer_;
     std::map<std::string, ka::ArrayPtr, std::less<>> variables_;
 };
 

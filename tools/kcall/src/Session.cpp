@@ -6,6 +6,7 @@
 
 #include <fl/i18n.hpp>
 
+#include "Describe.hpp"
 #include "Parser.hpp"
 #include "Printer.hpp"
 
@@ -38,6 +39,15 @@ bool Session::runLine(std::string_view line) {
     }
     anyFailed_ = true;
     return false;
+}
+
+void Session::explainCalls(const BuiltinDirectory& builtins, std::ostream& out) {
+    evaluator_.observeCalls([&builtins, &out](const std::string& name, std::span<kaArray_tag* const> arguments,
+                                              int nlhs) {
+        if (const auto* lists = builtins.lists(name)) {
+            out << explainCall(name, *lists, arguments, static_cast<std::size_t>(nlhs));
+        }
+    });
 }
 
 void Session::warn(std::u16string_view text) {

@@ -27,6 +27,9 @@ public:
 
     const Evaluator& evaluator() const { return evaluator_; }
 
+    // Before each call of a builtin, writes how invoke chooses its variant (kcall --explain).
+    void explainCalls(const BuiltinDirectory& builtins, std::ostream& out);
+
 private:
     void warn(std::u16string_view text);
     void reportError(std::string_view text);

@@ -1,0 +1,157 @@
+// kcall: call builtins from the command line, and see why a call went where it went.
+//
+//   kcall 'plus(1, 2)' 'x = [1 2; 3 4]' 'sum(x)'     each argument one line
+//   kcall                                           lines from standard input (a prompt on a
+//                                                   terminal)
+//   kcall --list | --describe NAME | --explain EXPR
+//
+// It starts the service framework and the builtin service bundles, then every module bundle of
+// the builtin services folder and of each --modules folder, and evaluates lines against the
+// builtins the modules declare. Exit status: 0, or 1 if a line failed (with arguments, the first
+// failure ends the run), 2 for a bad command line or modules that cannot start.
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <oneapi/tbb/global_control.h>
+
+#include <builtin/declare/ModuleDirectory.hpp>
+#include <builtin/services/BuiltinServices.hpp>
+#include <fl/i18n.hpp>
+#include <foundation/cppmicroservices/framework.hpp>
+
+#include "Describe.hpp"
+#include "LineReader.hpp"
+#include "Session.hpp"
+
+namespace {
+
+constexpr const char* kVersion = "kcall 0.1.0";
+
+class Directory final : public kcall::BuiltinDirectory {
+public:
+    explicit Directory(const Norvane::builtin::declare::ModuleDirectory& modules) : modules_(modules) {}
+    const Norvane::builtin::BuiltinFcn* find(std::string_view name) const override { return modules_.find(name); }
+    const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(std::string_view name) const override {
+        return modules_.lists(name);
+    }
+
+private:
+    const Norvane::builtin::declare::ModuleDirectory& modules_;
+};
+
+struct Options {
+    std::vector<std::string> lines;
+    std::vector<std::string> moduleFolders;
+    bool json = false;
+    bool list = false;
+    std::string describe;
+    std::string explain;
+    int threads = 0;
+};
+
+fl::filesystem::path folderOf(const std::string& utf8) {
+    const std::u16string text = fl::i18n::utf8_to_ustring(utf8);
+    return fl::filesystem::path(fl::filesystem::detail::make_native_form(text, true), true);
+}
+
+// Strings show their text, as the language shows them: "abc", or each one quoted in an array.
+void showStringsAsText() {
+    const auto& strings = Norvane::builtin::getHeldService<Norvane::builtin::StringSupport>();
+    if (!strings) return;
+    ka::setObjectFormatter(strings->getStringClassId(), [strings](const kaArray_tag* array) {
+        std::string text;
+        for (std::size_t i = 0, n = strings->getNumberOfStrings(array); i < n; ++i) {
+            text += (i == 0 ? "\"" : "    \"") + strings->getStringUtf8(array, i) + "\"";
+        }
+        return text;
+    });
+}
+
+int listBuiltins(const Norvane::builtin::declare::ModuleDirectory& modules) {
+    for (const auto& [name, module] : modules.list()) std::cout << name << "  (" << module << ")\n";
+    return 0;
+}
+
+int describe(const Norvane::builtin::declare::ModuleDirectory& modules, const std::string& name) {
+    const auto* lists = modules.lists(name);
+    if (lists == nullptr) {
+        std::cerr << "Error: no builtin named " << name << "\n";
+        return 1;
+    }
+    std::cout << kcall::describeBuiltin(name, modules.moduleOf(name), *lists);
+    return 0;
+}
+
+int run(const Options& options, const kcall::BuiltinDirectory& builtins) {
+    kcall::Session session(builtins, std::cout, std::cerr, options.json);
+    if (!options.explain.empty()) {
+        session.explainCalls(builtins, std::cout);
+        return session.runLine(options.explain) ? 0 : 1;
+    }
+    if (!options.lines.empty()) {
+        for (const std::string& line : options.lines) {
+            if (!session.runLine(line)) return 1;
+        }
+        return 0;
+    }
+    kcall::LineReader reader(std::cin);
+    while (const std::optional<std::string> line = reader.next()) session.runLine(*line);
+    return session.anyFailed() ? 1 : 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    CLI::App app("Calls KELDOR builtins with values, shows the results, and explains the choice of variant.");
+    app.set_version_flag("--version", kVersion);
+    // Lines are taken as they are, not as CLI11 values (which read "[1 2]" as a list): every
+    // argument that is not an option is one, and after "--" every argument is.
+    app.allow_extras();
+    app.footer("Lines to evaluate follow the options, one per argument (after -- if one starts with -);\n"
+               "without any, lines come from standard input.");
+    app.add_option("--modules", options.moduleFolders, "Another folder of module bundles (repeatable)")
+        ->allow_extra_args(false)
+        ->check(CLI::ExistingDirectory);
+    app.add_flag("--json", options.json, "Results, warnings and errors as JSON objects, one per line");
+    app.add_flag("--list", options.list, "List every builtin with its module");
+    app.add_option("--describe", options.describe, "Show a builtin's variant lists and the lint's findings");
+    app.add_option("--explain", options.explain, "Evaluate a line and show, for each call, how its variant was chosen");
+    app.add_option("--threads", options.threads, "The most worker threads of element-wise loops")->check(CLI::PositiveNumber);
+    CLI11_PARSE(app, argc, argv);
+    bool afterSeparator = false;
+    for (const std::string& argument : app.remaining()) {
+        if (!afterSeparator && argument == "--") {
+            afterSeparator = true;
+        } else if (!afterSeparator && argument.size() > 2 && argument.starts_with("--")) {
+            std::cerr << "Error: unknown option " << argument << "; kcall --help lists them\n";
+            return 2;
+        } else {
+            options.lines.push_back(argument);
+        }
+    }
+
+    std::optional<oneapi::tbb::global_control> threads;
+    if (options.threads > 0) {
+        threads.emplace(oneapi::tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(options.threads));
+    }
+    try {
+        foundation::cppmicroservices::createFramework();
+        std::vector<fl::filesystem::path> folders{Norvane::builtin::declare::builtinServicesFolder()};
+        for (const std::string& folder : options.moduleFolders) folders.push_back(folderOf(folder));
+        const auto modules = Norvane::builtin::declare::ModuleDirectory::start(folders);
+        showStringsAsText();
+        if (options.list) return listBuiltins(modules);
+        if (!options.describe.empty()) return describe(modules, options.describe);
+        const Directory builtins(modules);
+        return run(options, builtins);
+    } catch (const std::exception& e) {
+        std::cerr << "Error: " << e.what() << "\n";
+        return 2;
+    }
+}
