@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -30,7 +31,8 @@ std::string quoted(const std::string& text) {
 
 // Runs kcall with the arguments, and the input on its standard input if there is any.
 Outcome kcall(const std::vector<std::string>& arguments, const std::string& input = "") {
-    const std::string errFile = testing::TempDir() + "kcall.err";
+    // Each test runs in its own process, in parallel with the others: the file is this process's.
+    const std::string errFile = testing::TempDir() + "kcall." + std::to_string(::getpid()) + ".err";
     std::string command = std::string(KCALL_PATH);
     for (const std::string& argument : arguments) command += " " + quoted(argument);
     command = "printf '%s' " + quoted(input) + " | " + command + " 2>" + errFile;
@@ -40,7 +42,9 @@ Outcome kcall(const std::vector<std::string>& arguments, const std::string& inpu
     while (const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe)) out.append(buffer.data(), n);
     const int status = ::pclose(pipe);
     std::ifstream err(errFile);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out, std::string(std::istreambuf_iterator<char>(err), {})};
+    std::string errText(std::istreambuf_iterator<char>(err), {});
+    std::remove(errFile.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out, errText};
 }
 
 // The numbers of a one-line --json result.
