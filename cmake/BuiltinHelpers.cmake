@@ -53,6 +53,7 @@ function(builtin_add_library)
 endfunction()
 
 # builtin_add_test(<name> SOURCES ... [LIBS ...] [PER_PROCESS] [NO_MAIN] [LABELS ...])
+# LABELS threads marks a test that starts threads: the thread_tests target builds it.
 # One GoogleTest executable. Its cases are registered with CTest one by one, each in its own
 # process, unless PER_PROCESS asks for the whole executable to run as one test, which is what
 # tests of process-wide state (service holders, once-only starts) need.
@@ -67,11 +68,17 @@ function(builtin_add_test name)
   builtin_warnings(${name})
   if(arg_PER_PROCESS)
     add_test(NAME ${name} COMMAND ${name})
-    set(tests ${name})
+    if(arg_LABELS)
+      set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}")
+    endif()
   else()
     include(GoogleTest)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES LABELS "${arg_LABELS}")
+  endif()
+  # Tests that start threads also run under ThreadSanitizer, whose preset builds only them.
+  if("threads" IN_LIST arg_LABELS)
+    add_dependencies(thread_tests ${name})
   endif()
 endfunction()
 
