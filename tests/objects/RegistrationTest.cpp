@@ -1,8 +1,8 @@
 // Registration of object types and package functions, and the class provider's answers, in one
-// service configuration per executable: the class provider and the object register are each
-// present or missing as BUILTIN_TEST_WITH_PROVIDER and BUILTIN_TEST_WITH_REGISTER say (the
-// holders are filled once per process). The services are strict mocks, so a call that a
-// configuration must not make fails the test.
+// service configuration per process: the class provider and the object register are each
+// present or missing as BUILTIN_TEST_SERVICES says ("provider", "register", both, or "none"; both
+// when unset), since the holders are filled once per process. The services are strict mocks, so
+// a call that a configuration must not make fails the test.
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/objects/objects.hpp>
 #include <builtin/services/services.hpp>
@@ -32,8 +32,12 @@ using testing::Return;
 using testing::StrictMock;
 using Texts = std::vector<std::string>;
 
-constexpr bool withProvider = BUILTIN_TEST_WITH_PROVIDER;
-constexpr bool withRegister = BUILTIN_TEST_WITH_REGISTER;
+bool hasService(const char* name) {
+    const char* services = std::getenv("BUILTIN_TEST_SERVICES");
+    return services == nullptr || std::string(services).find(name) != std::string::npos;
+}
+const bool withProvider = hasService("provider");
+const bool withRegister = hasService("register");
 
 class MockClassProvider : public IZOBJRegWrapper {
 public:
