@@ -196,9 +196,12 @@ double countOf(Counter* counter) { return static_cast<double>(counter->value());
 
 // --- default implementations ------------------------------------------------------------------
 
+// A default implementation gets the arguments as the interpreter passed them, a null one
+// included: the library hands over what no variant took, unread.
+
 // size(x): the dimensions as a row of doubles.
 void sizeOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor*) {
-    if (nrhs != 1) throw std::invalid_argument("size takes one argument");
+    if (nrhs != 1 || prhs[0] == nullptr) throw std::invalid_argument("size takes one argument");
     const auto dims = matrix::dimensions(prhs[0]);
     std::vector<double> values(dims.begin(), dims.end());
     plhs[0] = ka::createFrom<double>({1, values.size()}, values).release();
@@ -206,7 +209,7 @@ void sizeOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionD
 
 // class(x): the class name as a char row.
 void classOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor*) {
-    if (nrhs != 1) throw std::invalid_argument("class takes one argument");
+    if (nrhs != 1 || prhs[0] == nullptr) throw std::invalid_argument("class takes one argument");
     const std::string& objectClass = ka::objectClassName(prhs[0]);
     const std::string name = objectClass.empty() ? std::string(ka::className(matrix::classId(prhs[0]))) : objectClass;
     plhs[0] = ka::charArray(std::string_view(name)).release();

@@ -76,7 +76,11 @@ AnyMap parseManifest(std::string_view json) {
 AnyMap readManifest(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) {
+    // Copying nothing fails the copy, so an empty file is read only as far as its end: its empty
+    // text is then refused as JSON, not as a file that cannot be read. A read error (a folder
+    // in the manifest's place) leaves the file bad.
+    const bool empty = file && file.peek() == std::ifstream::traits_type::eof() && !file.bad();
+    if (!file || (!empty && !(text << file.rdbuf())) || file.bad()) {
         throw std::runtime_error("cannot read " + path);
     }
     return parseManifest(text.str());

@@ -63,7 +63,8 @@ ArrayPtr column(std::initializer_list<T> values) {
 template <class T>
 ArrayPtr fromRows(std::size_t rows, std::size_t columns, std::initializer_list<T> values);
 
-// A 1-by-n char row; n is the number of UTF-16 code units. The second form takes UTF-8.
+// A 1-by-n char row; n is the number of UTF-16 code units. The second form takes UTF-8 and
+// throws std::invalid_argument "invalid UTF-8 text" for bytes that are not.
 ArrayPtr charArray(std::u16string_view text);
 ArrayPtr charArray(std::string_view utf8);
 

@@ -1,0 +1,71 @@
+// Declarations that cannot stand: types of the type language made from values outside their
+// range, a getter asked past its one type, and a module author's declaration that contradicts
+// itself or comes too late. Each refusal reaches the module that declares, which fails its start.
+#include <builtin/declare/Module.hpp>
+#include <builtin/types/KaArrayTypes.hpp>
+#include <builtin/types/NativeArgTypes.hpp>
+#include <builtin/types/TypeVocabulary.hpp>
+
+#include "BadInput.hpp"
+
+namespace badinput {
+namespace {
+
+using types::KaArrayTypes;
+using Shape = KaArrayTypes::Shape;
+using Level = types::OrroSupportLevel;
+constexpr auto full = KaArrayTypes::Density::FULL;
+constexpr auto real = KaArrayTypes::Complexity::NOT_COMPLEX;
+
+Row arrayType(std::string input, void (*make)()) {
+    return {"array type " + std::move(input), make,
+            refusal<std::invalid_argument>("cannot convert Shape to numeric dimension")};
+}
+Row level(int value) {
+    return {"support level " + std::to_string(value),
+            [value] { types::combine(static_cast<Level>(value), Level::EQUIVALENT_SUPPORT); },
+            refusal<std::invalid_argument>("level1 is not a valid OrroSupportLevel")};
+}
+const Refusal subscript = refusal<std::out_of_range>("invalid array<T, N> subscript");
+
+bool reportingSqrt(double x, double* out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*) {
+    *out = x;
+    return false;
+}
+
+TEST(BadInput, Declarations) {
+    runTable("declarations", {
+        arrayType("of shape ND without a dimension count", [] { KaArrayTypes(kaDOUBLE_CLASS, Shape::ND, full, real); }),
+        arrayType("of shape UNKNOWN", [] { KaArrayTypes(kaDOUBLE_CLASS, Shape::UNKNOWN, full, real); }),
+        arrayType("of a shape outside the enum",
+                  [] { KaArrayTypes(kaDOUBLE_CLASS, static_cast<Shape>(42), full, real); }),
+        arrayType("set to shape ND",
+                  [] {
+                      KaArrayTypes type(kaDOUBLE_CLASS, Shape::ROW, full, real);
+                      type.setShape(Shape::ND);
+                  }),
+        level(4),
+        level(-1),
+        {"getter of double asked for its second type",
+         [] { types::getNativeArgType<double, types::NativeShape::SCALAR>(1); }, subscript},
+        {"getter of any double array asked for its second type", [] { types::getAnyShapeArgType<double>(1); },
+         subscript},
+        {"a reporting function that neither warns nor fails",
+         [] {
+             declare::Module module("broken");
+             module.builtin("f").def(&reportingSqrt, declare::pure, declare::noWarnings, declare::noErrors);
+         },
+         refusal<std::invalid_argument>("builtin f: a function of the reporting form must be able to warn or to fail; "
+                                        "declare it without noWarnings or noErrors")},
+        {"a builtin added to a finished module",
+         [] {
+             declare::Module module("done");
+             module.finish();
+             module.builtin("late");
+         },
+         refusal<std::logic_error>("module done is finished: no builtin can be added")},
+    });
+}
+
+}  // namespace
+}  // namespace badinput
