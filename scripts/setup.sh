@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project builds against, and nothing when they are all there.
 # Safe to run on every build: the check is one dpkg query.
+# Usage: scripts/setup.sh [fuzz]     (fuzz: clang and libFuzzer too, for the fuzz preset)
 set -euo pipefail
 
 packages=(
@@ -12,6 +13,10 @@ packages=(
   libcli11-dev libedit-dev
   python3-numpy
 )
+# The fuzz preset builds with clang, whose libFuzzer runtime comes in its own package.
+if [ "${1:-}" = fuzz ]; then
+  packages+=(clang libclang-rt-14-dev)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

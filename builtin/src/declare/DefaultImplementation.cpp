@@ -54,6 +54,12 @@ void runGuarded(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, Orro
     if (outputs[0] != nullptr) {
         builtinreg::detail::assertLhsWrongType(variant, outputs[0]);
     }
+    // A call that asks for no output may come without an output array, as invoke allows; the
+    // value is then dropped, as invoke drops a typed variant's result.
+    if (plhs == nullptr) {
+        for (kaArray_tag* output : outputs) matrix::releaseReference(output);
+        return;
+    }
     std::copy_n(outputs.begin(), room, plhs);
 }
 

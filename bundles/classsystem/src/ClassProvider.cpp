@@ -59,8 +59,9 @@ ClassProvider::OwnedArray ClassProvider::box(boost::intrusive_ptr<OrroObject> ob
     if (!object) {
         throw std::invalid_argument("no engine object to put into an array");
     }
+    const OrroObject& native = *object;  // typeid of a plain reference: no call inside typeid
     const std::string nativeClass =
-        foundation::core::diag::detail::demangle_typeid_name(typeid(*object).name(), false);
+        foundation::core::diag::detail::demangle_typeid_name(typeid(native).name(), false);
     const auto info = Norvane::builtin::types::getOrroObjectRuntimeInfo(nativeClass);
     const kaClassID classId = getClassIdByName(info.kaClassName);
     if (classId == kaUNKNOWN_CLASS) {
