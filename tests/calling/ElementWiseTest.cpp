@@ -2,7 +2,6 @@
 // against a plain reference loop), empty outputs, and the conventions inside the loop.
 #include <oneapi/tbb/global_control.h>
 
-#include <complex>
 #include <cstdint>
 #include <random>
 #include <utility>
@@ -62,26 +61,15 @@ TEST_F(ElementWise, UnboxedScalarsComeBackUnboxedAndArraysAsArrays) {
   EXPECT_EQ(elementsOf<double>(result.get()), std::vector<double>{-2.0});
 }
 
-// Every refused argument gives back the references of both.
+// Every refused argument gives back the references of both, and no kernel runs. The other
+// classes and alternatives refused, each with its text, are in tests/badinput/ArgumentsTest.cpp.
 TEST_F(ElementWise, WrongArgumentsAreRefusedAndReleased) {
   auto two = liftedVariant<double, 2>(&combine, Direct);
-  const auto refused = [&](std::function<Parameter()> bad) {
-    EXPECT_THROW(call(two, {give(ramp({1, 2})), bad()}), std::bad_cast);
-    EXPECT_THROW(call(two, {bad(), Parameter(1.0)}), std::bad_cast);
-  };
-  refused([] { return give(ka::row<float>({1, 2})); });
-  refused([] { return give(ka::row<std::complex<double>>({{1, 1}})); });
-  refused([] { return give(ka::createSparse(kaDOUBLE_CLASS, 2, 2, {{0, 0, 1.0}})); });
+  EXPECT_THROW(call(two, {give(ramp({1, 2})), give(ka::row<float>({1, 2}))}), std::bad_cast);
+  EXPECT_THROW(call(two, {give(ka::row<float>({1, 2})), Parameter(1.0)}), std::bad_cast);
   // A char array is no uint16 array, although a 1-by-1 char reaches this kernel unboxed.
   auto ofUint16 = liftedVariant<unsigned short, 1>(&negate, Direct);
   EXPECT_THROW(call(ofUint16, {give(ka::charArray(u"ab"))}), std::bad_cast);
-  try {
-    call(two, {give(ramp({1, 2})), Parameter(static_cast<Norvane::String::String*>(nullptr))});
-    ADD_FAILURE() << "no exception";
-  } catch (const std::logic_error& error) {
-    EXPECT_STREQ(error.what(), "Parameter should contain double but actually contained "
-                               "Norvane::String::String*");
-  }
   EXPECT_EQ(alive(), 0);
   EXPECT_EQ(threads.calls, 0);
 }

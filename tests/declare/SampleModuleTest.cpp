@@ -1,6 +1,8 @@
 // The sample module end to end, as a host finds it and the interpreter calls it, grouped by the
-// road a call takes: scalar, array, broadcast, in place, flag, string, warning, error, default
-// implementation. Every test leaves the live-array count where it found it.
+// road a call takes: scalar, array, broadcast, in place, flag, string, object, default
+// implementation. Every test leaves the live-array count where it found it. The stress test
+// checks sum of a matrix, sqrt's warning and inv's error by the same call; tests/badinput the
+// calls that no variant takes.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,11 +16,9 @@
 #include <builtin/declare/ModuleDirectory.hpp>
 #include <builtin/services/BuiltinServices.hpp>
 #include <classbundle/ClassSystem.hpp>
-#include <fl/i18n.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 
 #include "live_arrays.hpp"
-#include "warning_capture.hpp"
 
 namespace {
 
@@ -92,18 +92,13 @@ TEST_F(SampleModule, ScalarsOfEveryClass) {
 
 TEST_F(SampleModule, ArraysAndBroadcast) {
     const ka::ArrayPtr row = ka::row({1.0, 2.0, 3.0}), column = ka::column({10.0, 20.0});
-    const ka::ArrayPtr sum = call("plus", {row.get(), row.get()});
-    EXPECT_EQ(values<double>(sum), (std::vector<double>{2, 4, 6}));
     const ka::ArrayPtr broadcast = call("plus", {column.get(), row.get()});
     EXPECT_EQ(dims(broadcast), (ka::Dims{2, 3}));
     EXPECT_EQ(values<double>(broadcast), (std::vector<double>{11, 21, 12, 22, 13, 23}));
-    const ka::ArrayPtr m = ka::fromRows<double>(2, 2, {1, 2, 3, 4});
-    EXPECT_EQ(values<double>(call("sum", {m.get()})), (std::vector<double>{4, 6}));
     EXPECT_EQ(values<double>(call("sum", {row.get()})), std::vector<double>{6});
     EXPECT_EQ(values<double>(call("sum", {ka::createNumeric(kaDOUBLE_CLASS, {0, 0}).get()})), std::vector<double>{0});
     const ka::ArrayPtr zs = ka::row({Complex(3, 4), Complex(0, -1)});
     EXPECT_EQ(values<double>(call("abs", {zs.get()})), (std::vector<double>{5, 1}));
-    EXPECT_THROW(call("plus", {row.get(), ka::row({1.0, 2.0}).get()}), std::exception) << "1-by-3 and 1-by-2";
 }
 
 // A temporary that nobody else holds becomes the result. The interpreter passes a temporary
@@ -147,32 +142,12 @@ TEST_F(SampleModule, Strings) {
     EXPECT_EQ(values<char16_t>(chars), (std::vector<char16_t>{u'A', u'B', u'C'}));
 }
 
-TEST_F(SampleModule, WarningsArriveWithTheResult) {
-    testsupport::WarningCapture warnings;
-    const ka::ArrayPtr result = call("sqrt", {ka::row({4.0, -1.0, 9.0}).get()});
-    EXPECT_EQ(values<double>(result)[0], 2);
-    EXPECT_TRUE(std::isnan(values<double>(result)[1]));
-    ASSERT_EQ(warnings.warnings().size(), 1u);
-    EXPECT_EQ(fl::i18n::ustring_to_utf8(warnings.warnings()[0]).substr(0, 29), "sqrt of a negative number is ");
-}
-
-TEST_F(SampleModule, ErrorsReachTheCaller) {
-    EXPECT_EQ(values<double>(call("inv", {ka::scalar(4.0).get()})), std::vector<double>{0.25});
-    try {
-        call("inv", {ka::scalar(0.0).get()});
-        ADD_FAILURE() << "no error";
-    } catch (const std::domain_error& e) {
-        EXPECT_STREQ(e.what(), "inv: the inverse of 0 does not exist");
-    }
-}
-
 TEST_F(SampleModule, ObjectsOfTheClassSystem) {
     {
         const ka::ArrayPtr counter = call("counter", {ka::scalar(41.0).get()});
         EXPECT_EQ(ka::objectClassName(counter.get()), "Counter");
         EXPECT_EQ(values<double>(call("count", {counter.get()})), std::vector<double>{41});
         EXPECT_EQ(values<char16_t>(call("class", {counter.get()})).size(), 7u);
-        EXPECT_THROW(call("count", {ka::scalar(1.0).get()}), std::exception) << "not an object";
     }
     EXPECT_EQ(classbundle::Counter::liveCounters(), 0);
 }
@@ -181,7 +156,6 @@ TEST_F(SampleModule, DefaultImplementations) {
     const ka::ArrayPtr cube = ka::createNumeric(kaSINGLE_CLASS, {2, 3, 4});
     EXPECT_EQ(values<double>(call("size", {cube.get()})), (std::vector<double>{2, 3, 4}));
     EXPECT_EQ(values<char16_t>(call("class", {cube.get()})), (std::vector<char16_t>{u's', u'i', u'n', u'g', u'l', u'e'}));
-    EXPECT_THROW(call("size", {}), std::invalid_argument);
 }
 
 }  // namespace

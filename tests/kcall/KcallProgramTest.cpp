@@ -1,7 +1,7 @@
 // kcall run as a user runs it, grouped by road: literal forms, nested calls and assignments, the
-// sample module's builtins, JSON, --list, --describe and --explain, warnings and errors with
-// their exit statuses, and malformed lines, each of which must give a clear message and a
-// non-zero status, never a crash.
+// forms of the sample module's results, JSON, --list, --describe and --explain, warnings and
+// errors with their exit statuses, and malformed lines, each of which must give a clear message
+// and a non-zero status, never a crash.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -82,7 +82,9 @@ TEST(Kcall, LiteralsCallsAndAssignments) {
     EXPECT_EQ(assigned.out, "y =\n\n     9\n\nans =\n\n    10\n\n");
 }
 
-TEST(Kcall, EveryBuiltinOfTheSampleModule) {
+// One call of each form of result; the builtins' other results are checked in process, by
+// tests/declare/SampleModuleTest.cpp and tests/stress.
+TEST(Kcall, EachFormOfResult) {
     const struct {
         const char* line;
         const char* json;
@@ -91,24 +93,15 @@ TEST(Kcall, EveryBuiltinOfTheSampleModule) {
         {"minus(int32(-2147483647), int32(5))", R"("data":[-2147483648])"},
         {"times(single(2), single(3))", R"("class":"single")"},
         {"plus(1+2i, 3)", R"("data":[4E0],"imag":[2E0])"},
-        {"plus(\"ab\", \"cd\")", R"("data":"abcd")"},
         {"sqrt([4 9])", R"("data":[2E0,3E0])"},
-        {"hypot(3, 4)", R"("data":[5E0])"},
         {"abs([-1 2])", R"("data":[1E0,2E0])"},
-        {"abs(3+4i)", R"("data":[5E0])"},
         {"sum([1 2; 3 4])", R"("size":[1,2],"complex":false,"data":[4E0,6E0])"},
         {"round(-2.5)", R"("data":[-3E0])"},
-        {"round(2.5, \"even\")", R"("data":[2E0])"},
-        {"sort([3 1 2], \"descend\")", R"("data":[3E0,2E0,1E0])"},
         {"upper('abc')", R"("class":"char","size":[1,3],"complex":false,"data":"ABC")"},
-        {"inv(4)", R"("data":[2.5E-1])"},
-        {"size(zeros)", ""},
         {"class(int8(1))", R"("data":"int8")"},
-        {"count(counter(41))", R"("data":[4.1E1])"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.line);
-        if (*c.json == '\0') continue;
         EXPECT_NE(jsonOf(c.line).find(c.json), std::string::npos) << jsonOf(c.line);
     }
     EXPECT_EQ(kcall({"size([1 2 3; 4 5 6])"}).out, "ans =\n\n     2     3\n\n");
