@@ -123,6 +123,8 @@ TEST(Kcall, WarningsErrorsAndStatuses) {
     EXPECT_NE(json.out.find(R"({"error":"inv: the inverse of 0 does not exist"})"), std::string::npos);
 }
 
+// The parser's and the session's texts for each fault are in ParserTest and SessionTest; here,
+// that they reach the user with a failing status, and that deep or long lines do no harm.
 TEST(Kcall, MalformedLines) {
     const struct {
         std::string line;
@@ -130,11 +132,7 @@ TEST(Kcall, MalformedLines) {
     } cases[] = {
         {"plus(1, [2 3)", "Error: column 13: expected a blank, ',', ';' or ']'"},
         {"plus(1, 2))", "Error: column 11: expected end of line"},
-        {"1.2.3", "Error: column 4: expected a separator after the number"},
-        {"nope(1)", "Error: column 1: unknown function 'nope'"},
         {"plus(1, 2, 3)", "Error: column 1: no variant of plus takes (double 1x1, double 1x1, double 1x1)"},
-        {"'unterminated", "Error: column 1: expected a closing ' for the text that starts here"},
-        {"x = ", "Error: column 5: expected an expression"},
         {std::string(5000, '('), "Error: column 201: expected at most 200 levels of nesting"},
         {"plus(" + std::string(100000, '9') + ", 1)", ""},
     };

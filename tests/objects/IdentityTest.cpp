@@ -11,21 +11,15 @@
 #include <cstdint>
 #include <string>
 
+#include "fatal_text.hpp"
+
 namespace {
 
 using namespace Norvane::builtin;
 
 struct Widget {};
 
-// A death test's pattern that matches `text` literally.
-std::string literally(const std::string& text) {
-    std::string pattern;
-    for (const char c : text) {
-        if (std::string(".[]{}()\\*+?|^$").find(c) != std::string::npos) pattern += '\\';
-        pattern += c;
-    }
-    return pattern;
-}
+using testsupport::literal;
 
 TEST(GetNextCppClassVariant, CountsEachClassFromZero) {
     using types::detail::getNextCppClassVariant;
@@ -62,7 +56,7 @@ TEST(AssertOrroVariantIdMatchesDeathTest, AMismatchAlwaysStops) {
     manifestVariant = 5;
     fl_set_diag_terminate(false);  // not asked: a mismatch stops regardless
     EXPECT_DEATH(builtinreg::detail::assertOrroVariantIdMatches(4, &manifestId, typeid(Widget)),
-                 literally("Error OrroObject (anonymous namespace)::Widget 'RTTI Type Descriptor' has "
+                 literal("Error OrroObject (anonymous namespace)::Widget 'RTTI Type Descriptor' has "
                            "different variant id between manifest.json(5) and microservice_impl(4).") +
                      "(.|\n)*builtin2/interface/builtin/OrroObjectID");
 }
@@ -105,7 +99,7 @@ TEST(ConditionalAssertionsDeathTest, FireOnlyOnAFailedConditionAndWhenAsked) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         c.passes();
-        EXPECT_DEATH(c.fails(), literally(c.text) + "(.|\n)*" + c.sourcePath);
+        EXPECT_DEATH(c.fails(), literal(c.text) + "(.|\n)*" + c.sourcePath);
         fl_set_diag_terminate(false);
         c.fails();
         fl_set_diag_terminate(true);
