@@ -1,6 +1,7 @@
 // The declaration layer by rule: what a C++ signature is read as, which entry a function gets,
 // how arguments are converted and held, the behaviour a declaration stands for, the guards of
-// a default implementation, and modules as a host sees them.
+// a default implementation. A builtin declared by two modules is refused in
+// tests/badinput/BundlesTest.cpp.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 
 #include <builtin/declare/declare.hpp>
 #include <builtin/invoke/DefaultImplementationChecks.hpp>
-#include <foundation/cppmicroservices/framework.hpp>
 
 #include "live_arrays.hpp"
 
@@ -203,22 +203,6 @@ TEST(DeclaredDeathTest, DefaultImplementationsThatBreakTheirWordStop) {
     kaArray_tag* result[2] = {nullptr, nullptr};
     EXPECT_DEATH(noWarningsDeclared.function().call(1, result, 0, nullptr), "unexpected");
     EXPECT_DEATH(overflow.function().call(1, result, 0, nullptr), "tooFar");
-}
-
-// --- modules --------------------------------------------------------------------------------
-
-void declareA(Module& m) { m.builtin("shared").def(&add, pure); }
-
-TEST(Modules, AHostRefusesABuiltinOfTwoModules) {
-    foundation::cppmicroservices::createFramework();
-    auto context = foundation::cppmicroservices::getFramework()->GetBundleContext();
-    for (const char* name : {"first", "second"}) detail::startModule(context, name, &declareA);
-    try {
-        ModuleDirectory directory;
-        ADD_FAILURE() << "no error";
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "the builtin shared is declared by two modules: first and second");
-    }
 }
 
 }  // namespace
