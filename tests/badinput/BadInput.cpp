@@ -16,6 +16,8 @@
 #include <fl/diag.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 
+#include "engine_environment.hpp"
+
 namespace badinput {
 
 namespace {
@@ -116,14 +118,6 @@ void call(const char* name, std::vector<ka::ArrayPtr> arguments, int nlhs,
 
 namespace {
 
-// What the engine hands a typed entry: it keeps the warnings and the error that the entry reports.
-struct EngineEnvironment final : IOrroBuiltinEnvironment, private IOrroBuiltinAccessors {
-    std::exception_ptr error;
-    IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
-    void AddWarningMessage(const std::u16string&) override {}
-    void SetInternalPendingException() override { error = std::current_exception(); }
-};
-
 const BuiltinVariant& variantOf(const char* name, const std::vector<std::string>& inputTypes) {
     const VariantArray all = builtin(name).getAllVariants();
     const auto matches = [](const std::string& type, const std::string& pattern) {
@@ -155,7 +149,7 @@ void engineCall(const char* name, const std::vector<std::string>& inputTypes, st
             }
         }
     };
-    EngineEnvironment environment;
+    testsupport::EngineEnvironment environment;
     bool pending = false;
     auto* descriptor = const_cast<OrroFunctionDescriptor*>(&variant.functionDescriptor);
     Parameter result;

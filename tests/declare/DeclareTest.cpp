@@ -10,6 +10,7 @@
 #include <builtin/declare/declare.hpp>
 #include <builtin/invoke/DefaultImplementationChecks.hpp>
 
+#include "engine_environment.hpp"
 #include "live_arrays.hpp"
 
 namespace {
@@ -112,13 +113,6 @@ double sizeOf(Array<double> values) { return static_cast<double>(values.size());
 double cellCount(ScalarArray<matrix::cell> cells) { return static_cast<double>(cells.size()); }
 
 // What the engine does with a boxing variant: calls its entry with its own unboxed values.
-struct EngineEnvironment final : IOrroBuiltinEnvironment, IOrroBuiltinAccessors {
-    std::exception_ptr failure;
-    IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
-    void AddWarningMessage(const std::u16string&) override {}
-    void SetInternalPendingException() override { failure = std::current_exception(); }
-};
-
 TEST_F(Declared, BoxingVariantsServeTheEngine) {
     // Two builtins: boxing variants of one signature from two sources would leave one of them
     // unreachable.
@@ -132,7 +126,7 @@ TEST_F(Declared, BoxingVariantsServeTheEngine) {
         }
     }
     ASSERT_EQ(boxing.size(), 2u);
-    EngineEnvironment environment;
+    testsupport::EngineEnvironment environment;
     for (const BuiltinVariant* v : boxing) {
         EXPECT_EQ(v->orroSupportLevel, OrroSupportLevel::ORRO_ONLY);
         bool pending = true;
@@ -143,7 +137,7 @@ TEST_F(Declared, BoxingVariantsServeTheEngine) {
             EXPECT_EQ(boost::get<double>(result), 1) << "a 1-by-1 array of the double";
         } else {
             EXPECT_TRUE(pending) << "a double is no cell: the failure is reported, not thrown";
-            EXPECT_THROW(std::rethrow_exception(environment.failure), std::exception);
+            EXPECT_THROW(std::rethrow_exception(environment.error), std::exception);
         }
     }
 }

@@ -11,6 +11,7 @@
 #include <builtin/variants/BoxingVariants.hpp>
 
 #include "VariantBuilders.hpp"
+#include "engine_environment.hpp"
 
 namespace varianttest {
 namespace {
@@ -88,19 +89,12 @@ TEST(BoxingVariant, ConversionRecord) {
     EXPECT_EQ(sink.texts()[1], "Developer inputs: \"\"\nBoxed inputs: \"\"\nArgTypes: \"");
 }
 
-struct RecordingAccessors final : IOrroBuiltinAccessors, IOrroBuiltinEnvironment {
-    std::exception_ptr recorded;
-    IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
-    void AddWarningMessage(const std::u16string&) override {}
-    void SetInternalPendingException() override { recorded = std::current_exception(); }
-};
-
 TEST(BoxingVariant, FailedConversionIsReportedLikeCanThrow) {
     bool pending = false;
     handleBoxingException(pending, nullptr);
     EXPECT_TRUE(pending);
 
-    RecordingAccessors environment;
+    testsupport::EngineEnvironment environment;
     pending = false;
     try {
         throw std::invalid_argument("conversion failed");
@@ -108,7 +102,7 @@ TEST(BoxingVariant, FailedConversionIsReportedLikeCanThrow) {
         handleBoxingException(pending, &environment);
     }
     EXPECT_TRUE(pending);
-    EXPECT_THROW(std::rethrow_exception(environment.recorded), std::invalid_argument);
+    EXPECT_THROW(std::rethrow_exception(environment.error), std::invalid_argument);
 }
 
 }  // namespace
