@@ -18,6 +18,7 @@
 #include <builtin/calling/ElementWise.hpp>
 #include <builtin/variants/BuiltinVariant.hpp>
 #include <ka/ka.hpp>
+#include <array_values.hpp>
 #include <live_arrays.hpp>
 
 namespace elementwisetest {
@@ -97,16 +98,8 @@ inline ka::ArrayPtr resultArray(const Parameter& result) {
   return ka::ArrayPtr(array != nullptr ? *array : nullptr);
 }
 
-template <class T>
-std::vector<T> elementsOf(const kaArray_tag* array) {
-  const T* data = static_cast<const T*>(matrix::data(array));
-  return std::vector<T>(data, data + matrix::numberOfElements(array));
-}
-
-inline std::vector<std::size_t> dimsOf(const kaArray_tag* array) {
-  const auto dims = matrix::dimensions(array);
-  return {dims.begin(), dims.end()};
-}
+using testsupport::dimsOf;
+using testsupport::elementsOf;
 
 // Kernels count the calls made off the thread that the test named as calling.
 struct ThreadCount {

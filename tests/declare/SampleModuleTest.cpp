@@ -18,6 +18,7 @@
 #include <classbundle/ClassSystem.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 
+#include "array_values.hpp"
 #include "live_arrays.hpp"
 
 namespace {
@@ -53,15 +54,8 @@ protected:
     static inline declare::ModuleDirectory* directory_ = nullptr;
 };
 
-template <class T>
-std::vector<T> values(const ka::ArrayPtr& a) {
-    const auto* data = static_cast<const T*>(matrix::data(a.get()));
-    return std::vector<T>(data, data + matrix::numberOfElements(a.get()) * (matrix::isComplex(a.get()) ? 2 : 1));
-}
-ka::Dims dims(const ka::ArrayPtr& a) {
-    const auto d = matrix::dimensions(a.get());
-    return ka::Dims(d.begin(), d.end());
-}
+using testsupport::dimsOf;
+using testsupport::elementsOf;
 
 TEST_F(SampleModule, TheHostListsTheModule) {
     EXPECT_EQ(directory_->moduleOf("plus"), "sample");
@@ -77,42 +71,42 @@ TEST_F(SampleModule, TheHostListsTheModule) {
 
 TEST_F(SampleModule, ScalarsOfEveryClass) {
     const ka::ArrayPtr one = ka::scalar(1.0), two = ka::scalar(2.0), z = ka::scalar(Complex(1, 2));
-    EXPECT_EQ(values<double>(call("plus", {one.get(), two.get()})), std::vector<double>{3});
-    EXPECT_EQ(values<double>(call("times", {two.get(), two.get()})), std::vector<double>{4});
-    EXPECT_EQ(values<float>(call("minus", {ka::scalar(5.0f).get(), ka::scalar(2.0f).get()})), std::vector<float>{3});
+    EXPECT_EQ(elementsOf<double>(call("plus", {one.get(), two.get()})), std::vector<double>{3});
+    EXPECT_EQ(elementsOf<double>(call("times", {two.get(), two.get()})), std::vector<double>{4});
+    EXPECT_EQ(elementsOf<float>(call("minus", {ka::scalar(5.0f).get(), ka::scalar(2.0f).get()})), std::vector<float>{3});
     const ka::ArrayPtr big = ka::scalar<std::int32_t>(std::numeric_limits<std::int32_t>::max());
     const ka::ArrayPtr saturated = call("plus", {big.get(), ka::scalar<std::int32_t>(1).get()});
     EXPECT_EQ(matrix::classId(saturated.get()), kaINT32_CLASS);
-    EXPECT_EQ(values<std::int32_t>(saturated), std::vector<std::int32_t>{std::numeric_limits<std::int32_t>::max()});
-    EXPECT_EQ(values<double>(call("plus", {z.get(), ka::scalar(3.0).get()})), (std::vector<double>{4, 2}));
-    EXPECT_EQ(values<double>(call("times", {two.get(), z.get()})), (std::vector<double>{2, 4}));
-    EXPECT_EQ(values<double>(call("hypot", {ka::scalar(3.0).get(), ka::scalar(4.0).get()})), std::vector<double>{5});
-    EXPECT_EQ(values<double>(call("abs", {z.get()})), std::vector<double>{std::sqrt(5.0)});
+    EXPECT_EQ(elementsOf<std::int32_t>(saturated), std::vector<std::int32_t>{std::numeric_limits<std::int32_t>::max()});
+    EXPECT_EQ(elementsOf<double>(call("plus", {z.get(), ka::scalar(3.0).get()})), (std::vector<double>{4, 2}));
+    EXPECT_EQ(elementsOf<double>(call("times", {two.get(), z.get()})), (std::vector<double>{2, 4}));
+    EXPECT_EQ(elementsOf<double>(call("hypot", {ka::scalar(3.0).get(), ka::scalar(4.0).get()})), std::vector<double>{5});
+    EXPECT_EQ(elementsOf<double>(call("abs", {z.get()})), std::vector<double>{std::sqrt(5.0)});
 }
 
 TEST_F(SampleModule, ArraysAndBroadcast) {
     const ka::ArrayPtr row = ka::row({1.0, 2.0, 3.0}), column = ka::column({10.0, 20.0});
     const ka::ArrayPtr broadcast = call("plus", {column.get(), row.get()});
-    EXPECT_EQ(dims(broadcast), (ka::Dims{2, 3}));
-    EXPECT_EQ(values<double>(broadcast), (std::vector<double>{11, 21, 12, 22, 13, 23}));
-    EXPECT_EQ(values<double>(call("sum", {row.get()})), std::vector<double>{6});
-    EXPECT_EQ(values<double>(call("sum", {ka::createNumeric(kaDOUBLE_CLASS, {0, 0}).get()})), std::vector<double>{0});
+    EXPECT_EQ(dimsOf(broadcast), (ka::Dims{2, 3}));
+    EXPECT_EQ(elementsOf<double>(broadcast), (std::vector<double>{11, 21, 12, 22, 13, 23}));
+    EXPECT_EQ(elementsOf<double>(call("sum", {row.get()})), std::vector<double>{6});
+    EXPECT_EQ(elementsOf<double>(call("sum", {ka::createNumeric(kaDOUBLE_CLASS, {0, 0}).get()})), std::vector<double>{0});
     const ka::ArrayPtr zs = ka::row({Complex(3, 4), Complex(0, -1)});
-    EXPECT_EQ(values<double>(call("abs", {zs.get()})), (std::vector<double>{5, 1}));
+    EXPECT_EQ(elementsOf<double>(call("abs", {zs.get()})), (std::vector<double>{5, 1}));
 }
 
 TEST_F(SampleModule, Flags) {
     const ka::ArrayPtr half = ka::scalar(2.5), negative = ka::scalar(-2.5), halves = ka::row({0.5, 1.5, 2.5});
     const ka::ArrayPtr even = strings(u"even"), away = strings(u"away"), descend = strings(u"descend");
-    EXPECT_EQ(values<double>(call("round", {half.get()})), std::vector<double>{3});
-    EXPECT_EQ(values<double>(call("round", {half.get(), even.get()})), std::vector<double>{2});
-    EXPECT_EQ(values<double>(call("round", {negative.get(), away.get()})), std::vector<double>{-3});
-    EXPECT_EQ(values<double>(call("round", {halves.get(), even.get()})), (std::vector<double>{0, 2, 2}));
+    EXPECT_EQ(elementsOf<double>(call("round", {half.get()})), std::vector<double>{3});
+    EXPECT_EQ(elementsOf<double>(call("round", {half.get(), even.get()})), std::vector<double>{2});
+    EXPECT_EQ(elementsOf<double>(call("round", {negative.get(), away.get()})), std::vector<double>{-3});
+    EXPECT_EQ(elementsOf<double>(call("round", {halves.get(), even.get()})), (std::vector<double>{0, 2, 2}));
     const ka::ArrayPtr unsorted = ka::column({2.0, std::nan(""), 1.0, 3.0});
-    EXPECT_EQ(values<double>(call("sort", {unsorted.get(), descend.get()}))[0], 3);
+    EXPECT_EQ(elementsOf<double>(call("sort", {unsorted.get(), descend.get()}))[0], 3);
     const ka::ArrayPtr ascending = call("sort", {unsorted.get()});
-    EXPECT_EQ(dims(ascending), (ka::Dims{4, 1}));
-    EXPECT_TRUE(std::isnan(values<double>(ascending)[3])) << "NaN last";
+    EXPECT_EQ(dimsOf(ascending), (ka::Dims{4, 1}));
+    EXPECT_TRUE(std::isnan(elementsOf<double>(ascending)[3])) << "NaN last";
     EXPECT_THROW(call("round", {half.get(), strings(u"sideways").get()}), std::exception);
 }
 
@@ -124,23 +118,23 @@ TEST_F(SampleModule, Strings) {
     EXPECT_EQ(strings_.getString(upper.get(), 0), u"STRAßE");
     const ka::ArrayPtr chars = call("upper", {ka::charArray("abc").get()});
     EXPECT_EQ(matrix::classId(chars.get()), kaCHAR_CLASS);
-    EXPECT_EQ(values<char16_t>(chars), (std::vector<char16_t>{u'A', u'B', u'C'}));
+    EXPECT_EQ(elementsOf<char16_t>(chars), (std::vector<char16_t>{u'A', u'B', u'C'}));
 }
 
 TEST_F(SampleModule, ObjectsOfTheClassSystem) {
     {
         const ka::ArrayPtr counter = call("counter", {ka::scalar(41.0).get()});
         EXPECT_EQ(ka::objectClassName(counter.get()), "Counter");
-        EXPECT_EQ(values<double>(call("count", {counter.get()})), std::vector<double>{41});
-        EXPECT_EQ(values<char16_t>(call("class", {counter.get()})).size(), 7u);
+        EXPECT_EQ(elementsOf<double>(call("count", {counter.get()})), std::vector<double>{41});
+        EXPECT_EQ(elementsOf<char16_t>(call("class", {counter.get()})).size(), 7u);
     }
     EXPECT_EQ(classbundle::Counter::liveCounters(), 0);
 }
 
 TEST_F(SampleModule, DefaultImplementations) {
     const ka::ArrayPtr cube = ka::createNumeric(kaSINGLE_CLASS, {2, 3, 4});
-    EXPECT_EQ(values<double>(call("size", {cube.get()})), (std::vector<double>{2, 3, 4}));
-    EXPECT_EQ(values<char16_t>(call("class", {cube.get()})), (std::vector<char16_t>{u's', u'i', u'n', u'g', u'l', u'e'}));
+    EXPECT_EQ(elementsOf<double>(call("size", {cube.get()})), (std::vector<double>{2, 3, 4}));
+    EXPECT_EQ(elementsOf<char16_t>(call("class", {cube.get()})), (std::vector<char16_t>{u's', u'i', u'n', u'g', u'l', u'e'}));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include <array_values.hpp>
 #include <live_arrays.hpp>
 
 #include "Values.hpp"
@@ -16,23 +17,19 @@ namespace {
 
 class Values : public testsupport::LiveArrayTest {};
 
-template <class T>
-std::vector<T> elements(const ka::ArrayPtr& array) {
-    const auto* data = static_cast<const T*>(matrix::data(array.get()));
-    return std::vector<T>(data, data + matrix::numberOfElements(array.get()) * (matrix::isComplex(array.get()) ? 2 : 1));
-}
+using testsupport::elementsOf;
 
 TEST_F(Values, ConversionsRoundSaturateAndRefuse) {
     const ka::ArrayPtr numbers = ka::row({-2.5, 2.5, 300.0, -1e20, std::nan("")});
-    EXPECT_EQ(elements<std::int8_t>(convertTo(kaINT8_CLASS, numbers.get())), (std::vector<std::int8_t>{-3, 3, 127, -128, 0}));
-    EXPECT_EQ(elements<std::uint8_t>(convertTo(kaUINT8_CLASS, numbers.get())), (std::vector<std::uint8_t>{0, 3, 255, 0, 0}));
-    EXPECT_EQ(elements<std::uint64_t>(convertTo(kaUINT64_CLASS, ka::scalar(1e30).get())),
+    EXPECT_EQ(elementsOf<std::int8_t>(convertTo(kaINT8_CLASS, numbers.get())), (std::vector<std::int8_t>{-3, 3, 127, -128, 0}));
+    EXPECT_EQ(elementsOf<std::uint8_t>(convertTo(kaUINT8_CLASS, numbers.get())), (std::vector<std::uint8_t>{0, 3, 255, 0, 0}));
+    EXPECT_EQ(elementsOf<std::uint64_t>(convertTo(kaUINT64_CLASS, ka::scalar(1e30).get())),
               std::vector<std::uint64_t>{std::numeric_limits<std::uint64_t>::max()});
     const ka::ArrayPtr big = ka::scalar<std::int64_t>(std::numeric_limits<std::int64_t>::max() - 1);
-    EXPECT_EQ(elements<std::int64_t>(convertTo(kaINT64_CLASS, big.get()))[0], std::numeric_limits<std::int64_t>::max() - 1)
+    EXPECT_EQ(elementsOf<std::int64_t>(convertTo(kaINT64_CLASS, big.get()))[0], std::numeric_limits<std::int64_t>::max() - 1)
         << "same class: every digit kept";
-    EXPECT_EQ(elements<bool>(convertTo(kaLOGICAL_CLASS, ka::row({0.0, 2.0}).get())), (std::vector<bool>{false, true}));
-    EXPECT_EQ(elements<char16_t>(convertTo(kaCHAR_CLASS, ka::row({72.0, 105.0}).get())), (std::vector<char16_t>{u'H', u'i'}));
+    EXPECT_EQ(elementsOf<bool>(convertTo(kaLOGICAL_CLASS, ka::row({0.0, 2.0}).get())), (std::vector<bool>{false, true}));
+    EXPECT_EQ(elementsOf<char16_t>(convertTo(kaCHAR_CLASS, ka::row({72.0, 105.0}).get())), (std::vector<char16_t>{u'H', u'i'}));
     EXPECT_EQ(conversionClass("int32"), kaINT32_CLASS);
     EXPECT_EQ(conversionClass("plus"), std::nullopt);
 
@@ -72,8 +69,8 @@ TEST_F(Values, MatricesTakeTheDominantClass) {
     }
     // Column-major placement of blocks: [1 2; 3 4] from rows [1 2] and [3 4].
     const ka::ArrayPtr r1 = ka::row({1.0, 2.0}), r2 = ka::row({3.0, 4.0});
-    EXPECT_EQ(elements<double>(concatenate({{r1.get()}, {r2.get()}})), (std::vector<double>{1, 3, 2, 4}));
-    EXPECT_EQ(elements<double>(concatenate({{one.get()}, {z.get()}})), (std::vector<double>{1, 0, 0, 1}));
+    EXPECT_EQ(elementsOf<double>(concatenate({{r1.get()}, {r2.get()}})), (std::vector<double>{1, 3, 2, 4}));
+    EXPECT_EQ(elementsOf<double>(concatenate({{one.get()}, {z.get()}})), (std::vector<double>{1, 0, 0, 1}));
 
     EXPECT_THROW(concatenate({{r1.get()}, {one.get()}}), std::invalid_argument) << "widths differ";
     EXPECT_THROW(concatenate({{r1.get(), ka::column({1.0, 2.0}).get()}}), std::invalid_argument) << "heights differ";

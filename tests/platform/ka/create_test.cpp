@@ -10,6 +10,7 @@
 
 #include <ka/ka.hpp>
 
+#include "array_values.hpp"
 #include "live_arrays.hpp"
 
 namespace {
@@ -18,11 +19,7 @@ class CreateTest : public testsupport::LiveArrayTest {};
 
 bool aligned64(const void* p) { return reinterpret_cast<std::uintptr_t>(p) % 64 == 0; }
 
-template <class T>
-std::vector<T> values(const kaArray* a) {
-    const T* first = static_cast<const T*>(matrix::data(a));
-    return std::vector<T>(first, first + matrix::numberOfElements(a) * (matrix::isComplex(a) ? 2 : 1));
-}
+using testsupport::elementsOf;
 
 TEST_F(CreateTest, FactoryMakesEveryNumericClassRealAndComplex) {
     const kaClassID classes[] = {kaLOGICAL_CLASS, kaCHAR_CLASS,   kaDOUBLE_CLASS, kaSINGLE_CLASS,
@@ -55,18 +52,18 @@ TEST_F(CreateTest, FactoryMakesEveryNumericClassRealAndComplex) {
 
 TEST_F(CreateTest, ValuesGoInColumnMajorOrder) {
     ka::ArrayPtr m = ka::fromRows<double>(2, 3, {1, 2, 3, 4, 5, 6});
-    EXPECT_EQ(values<double>(m.get()), (std::vector<double>{1, 4, 2, 5, 3, 6}));
+    EXPECT_EQ(elementsOf<double>(m.get()), (std::vector<double>{1, 4, 2, 5, 3, 6}));
     ka::ArrayPtr z = ka::scalar(std::complex<double>(1, 2));
-    EXPECT_EQ(values<double>(z.get()), (std::vector<double>{1, 2}));
+    EXPECT_EQ(elementsOf<double>(z.get()), (std::vector<double>{1, 2}));
     ka::ArrayPtr flags = ka::row({true, false, true});
     EXPECT_EQ(matrix::classId(flags.get()), kaLOGICAL_CLASS);
-    EXPECT_EQ(values<bool>(flags.get()), (std::vector<bool>{true, false, true}));
+    EXPECT_EQ(elementsOf<bool>(flags.get()), (std::vector<bool>{true, false, true}));
     EXPECT_THROW(ka::fromRows<float>(2, 2, {1, 2, 3}), std::invalid_argument);  // and leaks nothing
 
     // UTF-8 in, UTF-16 code units stored: a surrogate pair takes two.
     ka::ArrayPtr text = ka::charArray("h\xC3\xA9\xF0\x9F\x98\x80");
     EXPECT_EQ(matrix::classId(text.get()), kaCHAR_CLASS);
-    EXPECT_EQ(values<char16_t>(text.get()), (std::vector<char16_t>{u'h', u'\u00e9', 0xD83D, 0xDE00}));
+    EXPECT_EQ(elementsOf<char16_t>(text.get()), (std::vector<char16_t>{u'h', u'\u00e9', 0xD83D, 0xDE00}));
 }
 
 TEST_F(CreateTest, FunctionHandlesAndObjectsAnswerTheirClassThroughTheLibrary) {

@@ -7,16 +7,14 @@
 
 #include <ka/ka.hpp>
 
+#include "array_values.hpp"
 #include "live_arrays.hpp"
 
 namespace {
 
 using Dims = std::vector<std::size_t>;
 
-Dims dimsOf(const kaArray* a) {
-    std::span<const std::size_t> d = matrix::dimensions(a);
-    return {d.begin(), d.end()};
-}
+using testsupport::dimsOf;
 
 TEST(LayoutTest, FieldsLieInTheirOrderAndComplexNeedsBothBits) {
     EXPECT_EQ(offsetof(kaArray_tag, storedClass), 0u);
