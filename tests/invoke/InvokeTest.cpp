@@ -4,11 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <complex>
 #include <memory>
 #include <sstream>
-#include <thread>
 
 #include <builtin/services/BuiltinServices.hpp>
 #include <foundation/log/test/memory_sink.hpp>
@@ -129,38 +127,7 @@ TEST_F(Invoke, WrapperRefusalGivesBackArgumentReferences) {
     EXPECT_EQ(x->refCount, 1u);
 }
 
-double twice(double x) { return 2 * x; }
-double firstOf(kaArray_tag* a) {
-    const double first = static_cast<const double*>(matrix::data(a))[0];
-    matrix::releaseReference(a);
-    return first;
-}
-
-// Several threads call one builtin at once, each with arrays of its own: the lists are shared
-// and read-only, and all else of a call lives on its own stack.
-TEST_F(Invoke, ConcurrentCallsOnOneBuiltin) {
-    Lists lists{.noOrro = {
-        makeVariant({.in = {scalar()}, .out = {scalar()}, .typedEntry = wrapperFor<double, double>(),
-                     .nativeEntry = reinterpret_cast<NativeEntry>(&twice)}),
-        makeVariant({.in = {anyArray()}, .out = {scalar()}, .typedEntry = wrapperFor<double, kaArray_tag*>(),
-                     .nativeEntry = reinterpret_cast<NativeEntry>(&firstOf)}),
-    }};
-    std::sort(lists.noOrro.begin(), lists.noOrro.end());
-    const TestFcn fcn(lists, defaultVariant());
-    std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 1; t <= 4; ++t) {
-        threads.emplace_back([&fcn, &wrong, value = static_cast<double>(t)] {
-            const ArrayPtr x = ka::scalar(value), row = ka::row({value, 0.0});
-            for (int i = 0; i < 500; ++i) {
-                if (callForOne(fcn, {x.get()}) != 2 * value || callForOne(fcn, {row.get()}) != value) ++wrong;
-            }
-            if (x->refCount != 1 || row->refCount != 1) ++wrong;
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(wrong.load(), 0);
-}
+// Calls at once on one builtin from many threads: tests/stress, through the sample module.
 
 TEST_F(Invoke, ResultOfACallThatAsksForNoOutput) {
     const ArrayPtr x = ka::scalar(3.0);
