@@ -42,6 +42,9 @@ TEST_F(ElementWise, OnlyDiagonalPositionsHoldKernels) {
       return c.in1 > 15 ? elementWiseInlineC(d, &parent, flag, arguments, nullptr, c.out, c.in0)
                         : elementWiseInlineC(d, &parent, flag, arguments, nullptr, c.out, c.in0, c.in1);
     };
+    const TypedEntry entry = c.in1 > 15 ? builtinreg::detail::getElementWiseEntry(nullptr, c.out, c.in0)
+                                        : builtinreg::detail::getElementWiseEntry(nullptr, c.out, c.in0, c.in1);
+    EXPECT_EQ(entry != nullptr, c.lifted) << "declarations take the entry that the selector calls";
     if (c.lifted && c.out != 0) {
       EXPECT_THROW(run(), std::logic_error);
     } else {

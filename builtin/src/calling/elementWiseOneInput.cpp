@@ -32,4 +32,10 @@ Parameter elementWiseInlineC(OrroFunctionDescriptor* const descriptor,
   return entries[k](descriptor, environment, pending, arguments);
 }
 
+TypedEntry getElementWiseEntry(const ParameterTypes* /*tag*/, std::size_t out, std::size_t in0) {
+  const std::size_t position = out * parameterTypeCount + in0;
+  const std::size_t k = position / diagonalStep;
+  return position % diagonalStep == 0 && k < entries.size() ? entries[k] : nullptr;
+}
+
 }  // namespace Norvane::builtin::builtinreg::detail

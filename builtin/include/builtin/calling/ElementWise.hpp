@@ -60,6 +60,12 @@ BUILTIN_API Parameter elementWiseInlineC(OrroFunctionDescriptor* const descripto
                                          const ParameterTypes* tag, std::size_t out,
                                          std::size_t in0, std::size_t in1);
 
+// The lifted entry itself at one of those positions, or null elsewhere: a declaration takes it
+// once, so that each call goes straight to the entry instead of through the selector.
+BUILTIN_API TypedEntry getElementWiseEntry(const ParameterTypes* tag, std::size_t out, std::size_t in0);
+BUILTIN_API TypedEntry getElementWiseEntry(const ParameterTypes* tag, std::size_t out, std::size_t in0,
+                                           std::size_t in1);
+
 // The dimensions of an unboxed scalar, {1, 1}, for the whole process.
 BUILTIN_API const std::span<std::size_t>& getScalarDims();
 

@@ -102,7 +102,8 @@ struct Declared<Fn, TypeList<Inputs...>> {
         static_assert(sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 2 && (std::is_same_v<Inputs, Output> && ...) &&
                           detail::isUnboxedNumber<Output> && !std::is_same_v<Output, char16_t>,
                       "an element-wise kernel is T f(T) or T f(T, T) with T one of the unboxed numbers");
-        return &builtinreg::detail::elementWiseEntry<Output, sizeof...(Inputs)>;
+        return builtinreg::detail::getElementWiseEntry(nullptr, parameterIndexOf<Output>,
+                                                       parameterIndexOf<Inputs>...);
     }
 
 };
