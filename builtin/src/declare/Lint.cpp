@@ -3,15 +3,11 @@
 #include <builtin/declare/Lint.hpp>
 
 #include <sstream>
+#include <utility>
 
 namespace Norvane::builtin::declare {
 
-namespace {
-
-using V = BuiltinVariant;
-
-// "cppName(type, type) -> type"
-std::string describe(const BuiltinVariant& v) {
+std::string signatureText(const BuiltinVariant& v) {
     std::ostringstream text;
     text << v.cppFunctionName << "(";
     const char* separator = "";
@@ -20,6 +16,10 @@ std::string describe(const BuiltinVariant& v) {
     if (!v.outputTypes.empty()) text << " -> " << v.outputTypes.front();
     return text.str();
 }
+
+namespace {
+
+using V = BuiltinVariant;
 
 bool lifted(const BuiltinVariant& v) { return v.isElementWise == V::IsElementWise::YES; }
 
@@ -74,9 +74,9 @@ std::vector<LintFinding> lintVariantLists(const std::string& name, const builtin
             const bool same = earlier == later;
             if (same || covers(earlier, later)) {
                 findings.push_back({LintFinding::Kind::UNREACHABLE,
-                                    name + ": " + describe(later) + " is never called: " +
+                                    name + ": " + signatureText(later) + " is never called: " +
                                         (same ? "it has the signature of " : "every call it takes goes to ") +
-                                        describe(earlier) + ", which comes first"});
+                                        signatureText(earlier) + ", which comes first"});
                 break;
             }
         }
@@ -85,7 +85,7 @@ std::vector<LintFinding> lintVariantLists(const std::string& name, const builtin
         if (!v.originalVariant && v.orroSupportLevel == OrroSupportLevel::NO_SUPPORT &&
             ownLevel(v) != OrroSupportLevel::NO_SUPPORT) {
             findings.push_back({LintFinding::Kind::LOWERED,
-                                name + ": " + describe(v) + " is never offered to the engine: a variant "
+                                name + ": " + signatureText(v) + " is never offered to the engine: a variant "
                                     "ahead of it that the engine cannot call takes calls it would take"});
         }
     }

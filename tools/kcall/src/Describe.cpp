@@ -11,6 +11,7 @@ namespace kcall {
 namespace {
 
 using Norvane::builtin::BuiltinVariant;
+using Norvane::builtin::declare::signatureText;
 using Norvane::builtin::ClassificationCache;
 using Norvane::builtin::VariantSignature;
 using Norvane::builtin::types::ArgType;
@@ -26,19 +27,8 @@ const char* levelName(OrroSupportLevel level) {
     return "?";
 }
 
-// "cppName(double, int32) -> double"
-std::string signatureOf(const BuiltinVariant& v) {
-    std::ostringstream text;
-    text << v.cppFunctionName << "(";
-    const char* separator = "";
-    for (const std::string& input : v.inputTypes) text << std::exchange(separator, ", ") << input;
-    text << ")";
-    if (!v.outputTypes.empty()) text << " -> " << v.outputTypes.front();
-    return text.str();
-}
-
 std::string lineOf(const BuiltinVariant& v) {
-    std::string line = "  " + signatureOf(v) + "   [" + levelName(v.orroSupportLevel);
+    std::string line = "  " + signatureText(v) + "   [" + levelName(v.orroSupportLevel);
     if (v.isElementWise == BuiltinVariant::IsElementWise::YES) line += ", element-wise";
     if (v.originalVariant) line += ", boxing";
     if (v.mayCallIntoKeldor == BuiltinVariant::CallsIntoKeldor::YES) line += ", may call back";
@@ -130,7 +120,7 @@ std::string explainCall(std::string_view name, const Norvane::builtin::builtinre
         if (!fitsArity(v, arguments.size(), nlhs)) continue;
         ++tried;
         const Verdict verdict = verdictOf(v, signature, arguments);
-        os << "  " << tried << ". " << signatureOf(v) << ": ";
+        os << "  " << tried << ". " << signatureText(v) << ": ";
         if (verdict.takes) {
             os << "takes the call" << (verdict.asArrays ? ", element by element\n" : "\n");
             return os.str();

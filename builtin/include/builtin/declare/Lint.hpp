@@ -21,6 +21,9 @@ struct LintFinding {
     std::string message;
 };
 
+// A variant as the findings and hosts name it: "cppName(type, type) -> type".
+BUILTIN_API std::string signatureText(const BuiltinVariant& variant);
+
 BUILTIN_API std::vector<LintFinding> lintVariantLists(const std::string& builtinName,
                                                       const builtinreg::BuiltinVariantLists& lists);
 
