@@ -8,9 +8,6 @@
 
 namespace kcall {
 
-EvaluationError::EvaluationError(std::size_t column, const std::string& message)
-    : std::runtime_error("column " + std::to_string(column) + ": " + message), column_(column) {}
-
 std::optional<Outcome> Evaluator::run(const Statement& statement) {
     if (!statement.value) return std::nullopt;
     // A statement that is a call asks for no output, as a call on a line of its own does; a

@@ -37,13 +37,9 @@ using CallObserver = std::function<void(const std::string&, std::span<kaArray_ta
 
 // A mistake in a statement that parsing could not see: an unknown name, a conversion given
 // something it cannot convert. The column is that of the expression at fault.
-class EvaluationError : public std::runtime_error {
+class EvaluationError : public LineError {
 public:
-    EvaluationError(std::size_t column, const std::string& message);
-    std::size_t column() const { return column_; }
-
-private:
-    std::size_t column_;
+    using LineError::LineError;
 };
 
 struct Outcome {

@@ -285,9 +285,6 @@ private:
 
 }  // namespace
 
-ParseError::ParseError(std::size_t column, const std::string& expected)
-    : std::runtime_error("column " + std::to_string(column) + ": expected " + expected), column_(column) {}
-
 Statement parseLine(std::string_view line) { return Parser(line).statement(); }
 
 bool needsMoreInput(std::string_view text) {

@@ -22,14 +22,10 @@
 
 namespace kcall {
 
-// A line that is not in the grammar: the column (from 1) and what was expected there.
-class ParseError : public std::runtime_error {
+// A line that is not in the grammar: what was expected at the column.
+class ParseError : public LineError {
 public:
-    ParseError(std::size_t column, const std::string& expected);
-    std::size_t column() const { return column_; }
-
-private:
-    std::size_t column_;
+    ParseError(std::size_t column, const std::string& expected) : LineError(column, "expected " + expected) {}
 };
 
 Statement parseLine(std::string_view line);

@@ -6,10 +6,22 @@
 #include <complex>
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace kcall {
+
+// A mistake at a column (from 1) of a line, said as "column N: message".
+class LineError : public std::runtime_error {
+public:
+    LineError(std::size_t column, const std::string& message)
+        : std::runtime_error("column " + std::to_string(column) + ": " + message), column_(column) {}
+    std::size_t column() const { return column_; }
+
+private:
+    std::size_t column_;
+};
 
 struct Expr;
 using ExprPtr = std::unique_ptr<Expr>;
