@@ -1,8 +1,8 @@
 // The lifted entries of a kernel T f(T) or T f(T, T), instantiated for the thirteen numeric
 // alternatives by the two units that build the selector tables. The steps of a call:
 //
-//   1. View the arguments (the second first); two unboxed scalars, or one, go to the scalar
-//      wrapper and return unboxed.
+//   1. Unboxed scalars go straight to the scalar wrapper and return unboxed; otherwise view the
+//      arguments (the second first).
 //   2. Work out the output dimensions; reuse an input as the output or create it.
 //   3. Decide the serial limit from the variant's flags, and put a ParallelEnvironment in front
 //      of the caller's environment.
@@ -114,15 +114,12 @@ template <class T>
 Parameter liftOneInput(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
                        bool& pending, const ParameterList& arguments) {
   constexpr std::size_t k = parameterIndexOf<T>;
-  // The commonest call, an unboxed scalar, needs no view: straight to the scalar wrapper.
+  // An unboxed scalar needs no view: straight to the scalar wrapper. Past this, the view holds
+  // an array, since makeView refuses every other alternative.
   if (static_cast<std::size_t>(arguments[0].which()) == k) {
     return getExportedInlineCWrapperFcn(nullptr, k, k)(descriptor, environment, pending, arguments);
   }
   ElementView<T> view = makeView<T>(arguments[0], claimArray(arguments[0]));
-  if (!view.array) {
-    return getExportedInlineCWrapperFcn(nullptr, k, k)(descriptor, environment, pending,
-                                                       arguments);
-  }
   const OutputDims dims = outputDims(view.dims);
   ka::ArrayPtr output = reuseOrCreate(dims, elementClasses[k], {&view.array});
   bool failed = false;
@@ -142,7 +139,8 @@ template <class T>
 Parameter liftTwoInputs(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
                         bool& pending, const ParameterList& arguments) {
   constexpr std::size_t k = parameterIndexOf<T>;
-  // The commonest call, two unboxed scalars, needs no views: straight to the scalar wrapper.
+  // Two unboxed scalars need no views: straight to the scalar wrapper. Past this, at least one
+  // view holds an array, since makeView refuses every other alternative.
   if (static_cast<std::size_t>(arguments[0].which()) == k &&
       static_cast<std::size_t>(arguments[1].which()) == k) {
     return getExportedInlineCWrapperFcn(nullptr, k, k, k)(descriptor, environment, pending,
@@ -153,10 +151,6 @@ Parameter liftTwoInputs(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironm
   ka::ArrayPtr array0 = claimArray(arguments[0]);
   ElementView<T> view1 = makeView<T>(arguments[1], claimArray(arguments[1]));
   ElementView<T> view0 = makeView<T>(arguments[0], std::move(array0));
-  if (!view0.array && !view1.array) {
-    return getExportedInlineCWrapperFcn(nullptr, k, k, k)(descriptor, environment, pending,
-                                                          arguments);
-  }
   const OutputDims dims = outputDims(view0.dims, view1.dims);
   ka::ArrayPtr output = reuseOrCreate(dims, elementClasses[k], {&view0.array, &view1.array});
   bool failed = false;
