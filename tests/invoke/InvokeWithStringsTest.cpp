@@ -1,6 +1,5 @@
-// The interpreted call in a process whose reference string bundle is started: a 1-by-1 string
-// matches a flag input by its text and is left out of the arguments; other strings and char
-// rows do not stand for flags.
+// With the reference string bundle: a 1-by-1 string matches a flag by its text and is left out of
+// the arguments; other strings and char rows stand for no flag.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -29,7 +28,7 @@ protected:
 
 TEST_F(InvokeWithStrings, FlagsMatchByTextAndDropOut) {
     ASSERT_NE(getHeldService<StringSupport>(), nullptr);
-    // Wrappers of one input: a flag left in the argument list would reach them and fail.
+    // Wrappers of one input: a flag left among the arguments would make them fail.
     Lists lists{.noOrro = {doubleVariant("fast, x", {flag("fast"), scalar()}),
                            doubleVariant("slow, x", {flag("slow"), scalar()}),
                            doubleVariant("x, fast", {scalar(), flag("fast")})}};
@@ -38,15 +37,13 @@ TEST_F(InvokeWithStrings, FlagsMatchByTextAndDropOut) {
     const ka::ArrayPtr fast = strings({u"fast"}), slow = strings({u"slow"}), pair = strings({u"fast", u"slow"});
     const ka::ArrayPtr chars = ka::charArray(std::u16string_view(u"fast")), x = ka::scalar(2.0);
     const struct {
-        kaArray_tag* first;
-        kaArray_tag* second;
+        kaArray_tag *first, *second;
         const char* expected;
     } cases[] = {
         {fast.get(), x.get(), "fast, x"}, {slow.get(), x.get(), "slow, x"}, {x.get(), fast.get(), "x, fast"},
         {pair.get(), x.get(), "default"}, {chars.get(), x.get(), "default"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.expected);
         seen.ran.clear();
         EXPECT_EQ(callForOne(fcn, {c.first, c.second}), std::string(c.expected) == "default" ? -1.0 : 3.0);
         EXPECT_EQ(seen.ran, std::vector<std::string>{c.expected});
