@@ -1,6 +1,5 @@
-// The interpreted call without string support or a class provider: list choice, arity search,
-// conversion of arguments, reports of CanThrow functions, results, the default implementation,
-// and the record of the lists at construction.
+// The interpreted call without services: list choice, arity search, conversion of arguments, reports
+// of CanThrow functions, results, the default implementation, and the record of the lists.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,5 @@
-// kcall run as a user runs it, over the sample module: JSON of literals and of each form of result
-// (flags, strings, complex, saturation), assignments, warnings and errors with their exit statuses,
-// malformed lines that must fail cleanly, --list (lint of every builtin), --describe and --explain.
+// kcall over the sample module as a user runs it: JSON of literals and of each form of result, statuses
+// of warnings, errors and malformed lines, --list (lint of every builtin), --describe and --explain.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>

@@ -1,6 +1,5 @@
-// Registration of object types and package functions, and the class provider's answers, with the
-// provider and the register (strict mocks) present as BUILTIN_TEST_SERVICES says ("provider",
-// "register", "none"; both when unset): holders are filled once per process.
+// Registration of object types and package functions, and the class provider's answers, with strict mock
+// services present as BUILTIN_TEST_SERVICES says ("provider", "register", "none"; both when unset).
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/objects/objects.hpp>
 #include <builtin/services/services.hpp>
