@@ -1,6 +1,5 @@
-// What the tests of the interpreted call share: a concrete BuiltinFcn over lists that the test
-// owns, native functions that note which variant ran (by its cppFunctionName, reached through
-// the descriptor they receive), and variants that call them through the real wrapper family.
+// What the tests of the interpreted call share: a BuiltinFcn over lists the test owns, and native
+// functions, called through the real wrapper family, that note which variant ran (by cppFunctionName).
 #pragma once
 
 #include <stdexcept>
@@ -18,7 +17,6 @@ namespace invoketest {
 
 using namespace varianttest;
 using Consider = BuiltinFcn::VariantsToConsider;
-constexpr auto WithDescriptor = JIT_CALLING_CONVENTION::DirectWithDescriptor;
 
 struct Seen {
     std::vector<std::string> ran;           // the variants that ran, in order
@@ -30,7 +28,6 @@ inline Seen seen;
 inline const std::string& nameOf(const OrroFunctionDescriptor* d) {
     return reinterpret_cast<const BuiltinVariant*>(d)->cppFunctionName;
 }
-
 inline double ofDouble(double x, OrroFunctionDescriptor* d) {
     seen.ran.push_back(nameOf(d));
     return x + 1;
@@ -41,12 +38,6 @@ inline double ofArray(kaArray_tag* a, OrroFunctionDescriptor* d) {
     matrix::releaseReference(a);
     return 0;
 }
-// A new 1-by-2 array, which somebody has to release.
-inline kaArray_tag* pairOf(double x, OrroFunctionDescriptor* d) {
-    seen.ran.push_back(nameOf(d));
-    return ka::row({x, x}).release();
-}
-
 // A typed entry that notes the alternatives of its arguments and gives back their references.
 inline Parameter recordingEntry(OrroFunctionDescriptor* d, IOrroBuiltinEnvironment*, bool& pending,
                                 const ParameterList& arguments) {
@@ -59,7 +50,6 @@ inline Parameter recordingEntry(OrroFunctionDescriptor* d, IOrroBuiltinEnvironme
     }
     return Parameter(static_cast<double>(arguments.size()));
 }
-
 // The default implementation: answers -1 when asked for an output.
 inline void arrayFunction(int nlhs, kaArray_tag** plhs, int, kaArray_tag**, OrroFunctionDescriptor* d) {
     seen.ran.push_back(nameOf(d));
@@ -68,48 +58,44 @@ inline void arrayFunction(int nlhs, kaArray_tag** plhs, int, kaArray_tag**, Orro
 
 template <class R, class... A>
 TypedEntry wrapperFor() {
-    return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>,
-                                                            parameterIndexOf<A>...);
+    return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>, parameterIndexOf<A>...);
 }
-
 template <class R, class... A, class F>
 BuiltinVariant nativeVariant(const char* name, std::vector<ArgType> in, std::vector<ArgType> out, F* native) {
     return makeVariant({.in = std::move(in), .out = std::move(out), .typedEntry = wrapperFor<R, A...>(),
-                        .nativeEntry = reinterpret_cast<NativeEntry>(native), .convention = WithDescriptor,
-                        .name = name});
+                        .nativeEntry = reinterpret_cast<NativeEntry>(native),
+                        .convention = JIT_CALLING_CONVENTION::DirectWithDescriptor, .name = name});
 }
 inline BuiltinVariant doubleVariant(const char* name, std::vector<ArgType> in = {scalar()}) {
     return nativeVariant<double, double>(name, std::move(in), {scalar()}, &ofDouble);
 }
-inline BuiltinVariant defaultVariant(const char* name = "default") {
+inline BuiltinVariant defaultVariant() {
     return makeVariant({.typedEntry = nullptr, .nativeEntry = reinterpret_cast<NativeEntry>(&arrayFunction),
-                        .name = name});
-}
-
-inline VariantArray view(const std::vector<BuiltinVariant>& list) {
-    return list.empty() ? VariantArray(nullptr, 0) : VariantArray(list.data(), list.size());
+                        .name = "default"});
 }
 
 // Lists that the test keeps alive as long as the builtin; each must be sorted.
 struct Lists {
     std::vector<BuiltinVariant> noOrro = {}, afterOrro = {}, complexScalar = {}, orro = {}, all = {};
 };
+inline VariantArray view(const std::vector<BuiltinVariant>& list) {
+    return list.empty() ? VariantArray(nullptr, 0) : VariantArray(list.data(), list.size());
+}
 
 class TestFcn final : public BuiltinFcn {
 public:
     TestFcn() = default;
-    TestFcn(const Lists& l, BuiltinVariant defaultImpl, Zfh_KELDOR_fn* decorated = nullptr)
+    TestFcn(const Lists& l, BuiltinVariant defaultImpl)
         : BuiltinFcn("testfcn", capabilities::CapabilityList(5), view(l.all), view(l.orro), view(l.afterOrro),
-                     view(l.noOrro), std::move(defaultImpl), decorated, view(l.complexScalar)) {}
+                     view(l.noOrro), std::move(defaultImpl), nullptr, view(l.complexScalar)) {}
     void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
         invoke(nlhs, plhs, nrhs, prhs, Consider::InvokeNoOrro);
     }
     BuiltinFcn* clone() const override { return new TestFcn(*this); }
 };
 
-// One call asking for one output; the value of the double result.
-inline double callForOne(const BuiltinFcn& fcn, std::vector<kaArray_tag*> args,
-                         Consider consider = Consider::InvokeNoOrro) {
+// One call asking for one output; the value of its double result.
+inline double callForOne(const BuiltinFcn& fcn, std::vector<kaArray_tag*> args, Consider consider = Consider::InvokeNoOrro) {
     kaArray_tag* plhs[1] = {nullptr};
     fcn.invoke(1, plhs, static_cast<int>(args.size()), args.data(), consider);
     const ka::ArrayPtr result(plhs[0]);

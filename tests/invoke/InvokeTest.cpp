@@ -1,6 +1,5 @@
-// The interpreted call end to end, in a process without string support or a class provider:
-// list choice, arity search, conversion of arguments, reports of CanThrow functions, delivery
-// of the result, the default implementation, and the builtin object itself.
+// The interpreted call without services: list choice, arity search, conversion of arguments, reports
+// of CanThrow functions, results, the default implementation, and the record of the lists.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,6 +18,7 @@ namespace invoketest {
 namespace {
 
 using ka::ArrayPtr;
+using Names = std::vector<std::string>;
 
 class Invoke : public testsupport::LiveArrayTest {
 protected:
@@ -31,8 +31,7 @@ protected:
 
 TEST_F(Invoke, ChoosesTheListByOrroAndComplexScalars) {
     const auto v = [](const char* name) {
-        return makeVariant(
-            {.in = {anyArray(), anyArray()}, .out = {scalar()}, .typedEntry = &recordingEntry, .name = name});
+        return makeVariant({.in = {anyArray(), anyArray()}, .out = {scalar()}, .typedEntry = &recordingEntry, .name = name});
     };
     const Lists longer{.noOrro = {v("noOrro")}, .afterOrro = {v("after")}, .complexScalar = {v("complex"), v("after")}};
     const Lists sameSize{.afterOrro = {v("after")}, .complexScalar = {v("complex")}};
@@ -42,8 +41,7 @@ TEST_F(Invoke, ChoosesTheListByOrroAndComplexScalars) {
     const struct {
         const TestFcn& fcn;
         Consider consider;
-        kaArray_tag* first;
-        kaArray_tag* second;
+        kaArray_tag *first, *second;
         const char* expected;
     } cases[] = {
         {withExtra, Consider::InvokeNoOrro, complexOne.get(), real.get(), "noOrro"},
@@ -53,10 +51,9 @@ TEST_F(Invoke, ChoosesTheListByOrroAndComplexScalars) {
         {withoutExtra, Consider::InvokeAfterOrro, complexOne.get(), real.get(), "after"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.expected);
         seen.ran.clear();
         callForOne(c.fcn, {c.first, c.second}, c.consider);
-        EXPECT_EQ(seen.ran, std::vector<std::string>{c.expected});
+        EXPECT_EQ(seen.ran, Names{c.expected});
     }
 }
 
@@ -77,57 +74,43 @@ TEST_F(Invoke, AritySearchAndPrecedence) {
         std::vector<kaArray_tag*> args;
         const char* expected;
     } cases[] = {
-        {fcn, 0, {}, "in0out0"},
-        {fcn, 0, {x.get()}, "in1out0"},  // no output asked: the no-output variant first
-        {fcn, 1, {x.get()}, "in1out1 scalar"},
-        {fcn, 1, {row.get()}, "in1out1 array"},
-        {fcn, 1, {x.get(), x.get()}, "in2out1"},
-        {fcn, 2, {x.get()}, "default"},
-        {fcn, 1, {x.get(), x.get(), x.get()}, "default"},
-        {onlyNoOutputs, 1, {x.get()}, "default"},
+        {fcn, 0, {}, "in0out0"}, {fcn, 0, {x.get()}, "in1out0"}, {fcn, 1, {x.get()}, "in1out1 scalar"},
+        {fcn, 1, {row.get()}, "in1out1 array"}, {fcn, 1, {x.get(), x.get()}, "in2out1"}, {fcn, 2, {x.get()}, "default"},
+        {fcn, 1, {x.get(), x.get(), x.get()}, "default"}, {onlyNoOutputs, 1, {x.get()}, "default"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.expected);
         seen.ran.clear();
         kaArray_tag* plhs[2] = {nullptr, nullptr};
         std::vector<kaArray_tag*> args = c.args;
         c.fcn.invoke(c.nlhs, plhs, static_cast<int>(args.size()), args.data(), Consider::InvokeNoOrro);
-        EXPECT_EQ(seen.ran, std::vector<std::string>{c.expected});
+        EXPECT_EQ(seen.ran, Names{c.expected});
         matrix::releaseReference(plhs[0]);
     }
 }
 
-TEST_F(Invoke, OneByOneDoubleArrivesByTheDeclaredType) {
-    Lists lists{.noOrro = {
-        makeVariant({.in = {scalar(), anyArray()}, .out = {scalar()}, .typedEntry = &recordingEntry}),
-        nativeVariant<double, kaArray_tag*>("array", {anyArray()}, {scalar()}, &ofArray),
-    }};
+TEST_F(Invoke, ArgumentsArriveByTheDeclaredTypeAndReferencesComeBack) {
+    Lists lists{.noOrro = {makeVariant({.in = {scalar(), anyArray()}, .out = {scalar()}, .typedEntry = &recordingEntry}),
+                           nativeVariant<double, kaArray_tag*>("array", {anyArray()}, {scalar()}, &ofArray)}};
     std::sort(lists.noOrro.begin(), lists.noOrro.end());
     const TestFcn fcn(lists, defaultVariant());
     const ArrayPtr x = ka::scalar(2.5);
     EXPECT_EQ(callForOne(fcn, {x.get(), x.get()}), 2.0);
     EXPECT_EQ(seen.argumentAlternatives, (std::vector<int>{1, 13}));
     callForOne(fcn, {x.get()});
-    EXPECT_EQ(seen.refCountInside, 2u) << "an array argument comes with a reference of its own";
-    EXPECT_EQ(x->refCount, 1u);
-
+    EXPECT_EQ(seen.refCountInside, 2u);  // an array argument comes with a reference of its own
     // Beyond the inline room of the argument list (8) and of the cache (15).
-    const std::vector<ArgType> many(20, scalar());
-    const Lists longLists{.noOrro = {makeVariant({.in = many, .out = {scalar()}, .typedEntry = &recordingEntry})}};
+    const Lists longLists{.noOrro = {makeVariant({.in = std::vector<ArgType>(20, scalar()), .out = {scalar()},
+                                                  .typedEntry = &recordingEntry})}};
     EXPECT_EQ(callForOne(TestFcn(longLists, defaultVariant()), std::vector<kaArray_tag*>(20, x.get())), 20.0);
-}
-
-// A variant declared with another input type than its wrapper takes: the wrapper refuses the
-// argument, and the reference that the argument carried is given back.
-TEST_F(Invoke, WrapperRefusalGivesBackArgumentReferences) {
-    const Lists lists{.noOrro = {nativeVariant<double, double>("misdeclared", {anyArray()}, {scalar()}, &ofDouble)}};
-    const ArrayPtr x = ka::scalar(2.5);
-    EXPECT_THROW(callForOne(TestFcn(lists, defaultVariant()), {x.get()}), boost::bad_get);
+    // A wrapper that refuses its argument gives back the reference that the argument carried.
+    seen.ran.clear();
+    const Lists misdeclared{.noOrro = {nativeVariant<double, double>("misdeclared", {anyArray()}, {scalar()}, &ofDouble)}};
+    EXPECT_THROW(callForOne(TestFcn(misdeclared, defaultVariant()), {x.get()}), boost::bad_get);
     EXPECT_TRUE(seen.ran.empty());
     EXPECT_EQ(x->refCount, 1u);
 }
 
-// Calls at once on one builtin from many threads: tests/stress, through the sample module.
+kaArray_tag* pairOf(double x, OrroFunctionDescriptor*) { return ka::row({x, x}).release(); }
 
 TEST_F(Invoke, ResultOfACallThatAsksForNoOutput) {
     const ArrayPtr x = ka::scalar(3.0);
@@ -144,8 +127,7 @@ TEST_F(Invoke, ResultOfACallThatAsksForNoOutput) {
     }
 }
 
-// Warns "w1" and "w2" (if the name says so), records the errors that the name lists, and
-// returns pending unless the name says "quiet"; its array result is dropped on error.
+// Warns twice if its name says "warn", records the errors its name lists, is pending unless "quiet".
 bool reporting(double x, kaArray_tag** out, IOrroBuiltinEnvironment* env, OrroFunctionDescriptor* d) {
     const std::string& name = nameOf(d);
     IOrroBuiltinAccessors* accessors = env->GetOrroBuiltinAccessors();
@@ -170,9 +152,7 @@ TEST_F(Invoke, ReportsOfCanThrowFunctions) {
         const char* name;
         std::size_t warnings;
         const char* error;
-    } cases[] = {
-        {"warn", 2, nullptr}, {"warn earlier", 2, "earlier"}, {"earlier later", 0, "later"}, {"warn quiet", 0, nullptr},
-    };
+    } cases[] = {{"warn", 2, nullptr}, {"warn earlier", 2, "earlier"}, {"earlier later", 0, "later"}, {"warn quiet", 0, nullptr}};
     const ArrayPtr x = ka::scalar(1.5);
     kaArray_tag* args[] = {x.get()};
     for (const auto& c : cases) {
@@ -184,7 +164,7 @@ TEST_F(Invoke, ReportsOfCanThrowFunctions) {
                                                   .warns = V::HasWarnings::YES, .throws = V::HasExceptions::YES,
                                                   .name = c.name})}};
         const testsupport::WarningCapture capture;
-        kaArray_tag* plhs[1] = {x.get()};  // stays as it was when the call fails
+        kaArray_tag* plhs[1] = {x.get()};  // left alone when the call fails
         try {
             TestFcn(lists, defaultVariant()).invoke(1, plhs, 1, args, Consider::InvokeNoOrro);
             EXPECT_EQ(c.error, nullptr);
@@ -197,30 +177,19 @@ TEST_F(Invoke, ReportsOfCanThrowFunctions) {
     }
 }
 
-TEST_F(Invoke, DefaultImplementationAndDefaultObject) {
+TEST_F(Invoke, DefaultImplementationAndCopies) {
     const Lists lists{.noOrro = {doubleVariant("double")}};
     const ArrayPtr row = ka::row({1.0, 2.0});
     EXPECT_EQ(callForOne(TestFcn(lists, defaultVariant()), {row.get()}), -1.0);
     EXPECT_EQ(callForOne(TestFcn(Lists{}, defaultVariant()), {row.get()}), -1.0);
-    // Its text, for the sample's builtins, is checked by tests/badinput.
     EXPECT_THROW(callForOne(TestFcn(lists, makeVariant({.typedEntry = nullptr})), {row.get()}), std::logic_error);
-    // A copy shares the lists and has its own default implementation.
-    auto* decorated = reinterpret_cast<Zfh_KELDOR_fn*>(0x40);
-    const std::unique_ptr<BuiltinFcn> copy(TestFcn(lists, defaultVariant(), decorated).clone());
-    EXPECT_EQ(copy->getDecoratedFn(), decorated);
+    EXPECT_THROW(TestFcn().invoke(0, nullptr, 0, nullptr, Consider::InvokeAfterOrro), std::logic_error);
+    const std::unique_ptr<BuiltinFcn> copy(TestFcn(lists, defaultVariant()).clone());  // shares the lists
     EXPECT_EQ(callForOne(*copy, {row.get()}), -1.0);
-
-    const TestFcn empty;
-    EXPECT_EQ(empty.getAllVariants(), VariantArray(nullptr, 0));
-    EXPECT_EQ(empty.getDecoratedFn(), nullptr);
-    EXPECT_THROW(empty.invoke(0, nullptr, 0, nullptr, Consider::InvokeAfterOrro), std::logic_error);
-    EXPECT_TRUE(empty.getHelpContent().empty());
-    EXPECT_EQ(&empty.getHelpContent(), &TestFcn(lists, defaultVariant()).getHelpContent());
 }
 
 TEST_F(Invoke, ConstructionLogsTheFiveListsInOneRecord) {
-    const Lists lists{.noOrro = {doubleVariant("a")},
-                      .all = {doubleVariant("a"), doubleVariant("b", {scalar(kaSINGLE_CLASS)})}};
+    const Lists lists{.noOrro = {doubleVariant("a")}, .all = {doubleVariant("a"), doubleVariant("b", {scalar(kaSINGLE_CLASS)})}};
     std::ostringstream a, all;
     a << lists.all[0];
     all << lists.all[0] << ", " << lists.all[1];
@@ -240,7 +209,7 @@ TEST_F(Invoke, ConstructionLogsTheFiveListsInOneRecord) {
     const logtest::scoped_channel_mask mask("builtin2::BuiltinFcn", 32 | 64);
     const logtest::memory_sink sink("builtin2::BuiltinFcn");
     const TestFcn fcn(lists, defaultVariant());
-    ASSERT_EQ(sink.size(), 2u);  // entry and exit of the trace
+    ASSERT_EQ(sink.size(), 2u);  // the trace's entry and exit
     EXPECT_EQ(sink.records()[0].sourcePath, "builtin2/interface/builtin/BuiltinFcn");
 }
 

@@ -1,8 +1,5 @@
-// Registration of object types and package functions, and the class provider's answers, in one
-// service configuration per process: the class provider and the object register are each
-// present or missing as BUILTIN_TEST_SERVICES says ("provider", "register", both, or "none"; both
-// when unset), since the holders are filled once per process. The services are strict mocks, so
-// a call that a configuration must not make fails the test.
+// Registration of object types and package functions, and the class provider's answers, with strict mock
+// services present as BUILTIN_TEST_SERVICES says ("provider", "register", "none"; both when unset).
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/objects/objects.hpp>
 #include <builtin/services/services.hpp>
@@ -42,22 +39,19 @@ const bool withRegister = hasService("register");
 class MockClassProvider : public IZOBJRegWrapper {
 public:
     MOCK_METHOD(std::string, getClassName, (kaClassID), (const, override));
-    MOCK_METHOD(void, registerPackageFunction,
-                (const std::vector<std::string>&, const std::string&, Zfh_KELDOR_fn*), (override));
+    MOCK_METHOD(void, registerPackageFunction, (const std::vector<std::string>&, const std::string&,
+                Zfh_KELDOR_fn*), (override));
     MOCK_METHOD(kaClassID, getClassIdByName, (const std::string&), (const, override));
     MOCK_METHOD(OrroObject&, fromKaArray, (const kaArray_tag*, bool), (const, override));
     MOCK_METHOD(OwnedArray, toKaArray, (OrroObject*, unsigned), (const, override));
-    MOCK_METHOD(OwnedArray, toKaArray, (boost::intrusive_ptr<const OrroObject>&&, const char*),
-                (const, override));
+    MOCK_METHOD(OwnedArray, toKaArray, (boost::intrusive_ptr<const OrroObject>&&, const char*), (const, override));
     MOCK_METHOD(kaClassID, getClassId, (const kaArray_tag*), (const, override));
     MOCK_METHOD(std::size_t, getVariantId, (const kaArray_tag*), (const, override));
     MOCK_METHOD(const ts::iTypeExpression*, getOrroObjectType, (kaClassID, std::size_t), (const, override));
     MOCK_METHOD(bool, getObjectTypeFlag, (const kaArray_tag*), (const, override));
     MOCK_METHOD(void, setZfhFinder, (std::string, ZfhFinder), (override));
-    MOCK_METHOD(void, addMethod,
-                (zobj::ZobjClass*, const std::string&, const std::string&, const zobj::MemberAccess&, bool,
-                 bool, bool),
-                (override));
+    MOCK_METHOD(void, addMethod, (zobj::ZobjClass*, const std::string&, const std::string&,
+                const zobj::MemberAccess&, bool, bool, bool), (override));
 };
 
 class MockObjectRegister : public IOrroObjectRegister {
@@ -65,37 +59,29 @@ public:
     MOCK_METHOD(bool, isOrroObjectRegistered, (kaClassID, std::size_t), (const, override));
     MOCK_METHOD(void, registerOrroObject, (kaClassID, std::size_t, bool), (override));
     MOCK_METHOD(void, registerOrroObject, (kaClassID, std::size_t), (override));
-    MOCK_METHOD(void, registerOrroObjectDefaultIndexingMethods,
-                (kaClassID, std::size_t, bool, const Norvane::orro::OrroObjectDefaultIndexingMethods&),
-                (override));
-    MOCK_METHOD(void, registerParenReferenceVariant,
-                (kaClassID, std::size_t, const OrroFunctionDescriptor&, const OrroFunctionDescriptor&,
-                 std::string, NameRange),
-                (override));
-    MOCK_METHOD(void, registerParenAssignVariant,
-                (kaClassID, std::size_t, const OrroFunctionDescriptor&, const OrroFunctionDescriptor&,
-                 std::string, NameRange, bool),
-                (override));
+    MOCK_METHOD(void, registerOrroObjectDefaultIndexingMethods, (kaClassID, std::size_t, bool,
+                const Norvane::orro::OrroObjectDefaultIndexingMethods&), (override));
+    MOCK_METHOD(void, registerParenReferenceVariant, (kaClassID, std::size_t, const OrroFunctionDescriptor&,
+                const OrroFunctionDescriptor&, std::string, NameRange), (override));
+    MOCK_METHOD(void, registerParenAssignVariant, (kaClassID, std::size_t, const OrroFunctionDescriptor&,
+                const OrroFunctionDescriptor&, std::string, NameRange, bool), (override));
 };
 
-// Log records on one channel at severity 256, the only one these paths use.
-class ChannelRecords {
-public:
-    explicit ChannelRecords(const std::string& channel) : mask_(channel, 256), sink_(channel) {}
+// Log records on one channel, all at severity 256.
+struct ChannelRecords {
+    explicit ChannelRecords(const std::string& channel) : mask(channel, 256), sink(channel) {}
     Texts texts() const {
-        for (const auto& record : sink_.records()) EXPECT_EQ(record.severity, 256u);
-        return sink_.texts();
+        for (const auto& record : sink.records()) EXPECT_EQ(record.severity, 256u);
+        return sink.texts();
     }
-
-private:
-    foundation::log::test::scoped_channel_mask mask_;
-    foundation::log::test::memory_sink sink_;
+    foundation::log::test::scoped_channel_mask mask;
+    foundation::log::test::memory_sink sink;
 };
 
 class Registration : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        // An installation root without bundles: the services are the mocks registered here.
+        // An installation root without bundles: the services are the mocks.
         root_ = (std::filesystem::temp_directory_path() / "registration-root-XXXXXX").string();
         ASSERT_NE(mkdtemp(root_.data()), nullptr);
         ASSERT_EQ(setenv("KELDOR_INSTALL_ROOT", root_.c_str(), 1), 0);
@@ -103,8 +89,7 @@ protected:
         if (withProvider) servicedoubles::registerDouble<IZOBJRegWrapper>(unowned(provider_));
         if (withRegister) servicedoubles::registerDouble<IOrroObjectRegister>(unowned(register_));
     }
-    // The holders keep their services to the end of the process, beyond the life of the mock
-    // registry: the mocks are never destroyed, and not checked for leaks.
+    // The holders keep their services to the end of the process: the mocks are never destroyed.
     template <class T>
     static std::shared_ptr<T> unowned(T* mock) {
         testing::Mock::AllowLeak(mock);
@@ -137,7 +122,7 @@ TEST_F(Registration, EachHelperReachesItsOperationOrLogsWhyNot) {
     const auto& methods = *reinterpret_cast<const Norvane::orro::OrroObjectDefaultIndexingMethods*>(&first);
     if (withProvider && withRegister) {
         EXPECT_CALL(*provider_, getClassIdByName("Known")).Times(6).WillRepeatedly(Return(knownClass));
-        // Repeats are not filtered, and the two forms reach two operations.
+        // Repeats are not filtered; the two forms reach two operations.
         EXPECT_CALL(*register_, registerOrroObject(knownClass, 3)).Times(2);
         EXPECT_CALL(*register_, registerOrroObject(knownClass, 3, true));
         EXPECT_CALL(*register_, registerOrroObjectDefaultIndexingMethods(knownClass, 3, false, testing::Ref(methods)));
@@ -155,16 +140,12 @@ TEST_F(Registration, EachHelperReachesItsOperationOrLogsWhyNot) {
     builtinreg::registerParenReferenceVariant("Known", 3, first, second, "subsref", range);
     builtinreg::registerParenAssignVariant("Known", 3, first, second, "subsasgn", range, true);
 
-    if (withProvider && withRegister) {
-        EXPECT_EQ(records.texts(), Texts{});
-    } else {
-        EXPECT_EQ(records.texts(),
-                  (Texts{missingServices("register OrroObjects"), missingServices("register OrroObjects"),
-                         missingServices("register OrroObjects"),
-                         missingServices("register OrroObject default indexing methods"),
-                         missingServices("register OrroObject optimized ParenReference indexing method"),
-                         missingServices("register OrroObject optimized ParenAssign indexing method")}));
-    }
+    const Texts missing = {missingServices("register OrroObjects"), missingServices("register OrroObjects"),
+                           missingServices("register OrroObjects"),
+                           missingServices("register OrroObject default indexing methods"),
+                           missingServices("register OrroObject optimized ParenReference indexing method"),
+                           missingServices("register OrroObject optimized ParenAssign indexing method")};
+    EXPECT_EQ(records.texts(), withProvider && withRegister ? Texts{} : missing);
 }
 
 TEST_F(Registration, AnUnknownClassIsLeftOutAndAFailingRegisterLeavesTheClassKnown) {
@@ -192,16 +173,12 @@ TEST_F(Registration, PackageFunctionsGoToTheProviderOrAreLogged) {
     }
     builtinreg::registerPackageFunctionHelper({"a", "b"}, "f", function);
     builtinreg::registerPackageFunctionHelper({}, "f", function);
-    if (withProvider) {
-        EXPECT_EQ(records.texts(), Texts{});
-    } else {
-        EXPECT_EQ(records.texts(),
-                  (Texts{"Unable to register a.b.f because IZOBJRegWrapper cppmicroservice could not be found.",
-                         "Unable to register .f because IZOBJRegWrapper cppmicroservice could not be found."}));
-    }
+    const Texts missing = {"Unable to register a.b.f because IZOBJRegWrapper cppmicroservice could not be found.",
+                           "Unable to register .f because IZOBJRegWrapper cppmicroservice could not be found."};
+    EXPECT_EQ(records.texts(), withProvider ? Texts{} : missing);
 }
 
-// What each answer is without the provider; with it, the provider's own (see the bundle test).
+// Without the provider, each answer's fallback; with it, the provider's own.
 TEST_F(Registration, IdentitiesAndObjectsWithOrWithoutTheProvider) {
     if (withProvider) {
         const auto* typeExpression = reinterpret_cast<const ts::iTypeExpression*>(&root_);
@@ -216,13 +193,9 @@ TEST_F(Registration, IdentitiesAndObjectsWithOrWithoutTheProvider) {
         const boost::intrusive_ptr<const OrroObject> object(new OrroObject);
         boost::intrusive_ptr<const OrroObject> kept = object;
         EXPECT_EQ(orroobject::toKaArray(std::move(kept), "t"), nullptr);
-        EXPECT_EQ(kept, object) << "left alone";
-        try {
-            orroobject::fromKaArray(nullptr);
-            ADD_FAILURE() << "expected std::runtime_error";
-        } catch (const std::runtime_error& e) {
-            EXPECT_STREQ(e.what(), "Cannot get OrroObject runtime provider service");
-        }
+        EXPECT_EQ(kept, object);
+        EXPECT_THAT([] { orroobject::fromKaArray(nullptr); },
+                    testing::ThrowsMessage<std::runtime_error>(testing::StrEq("Cannot get OrroObject runtime provider service")));
         EXPECT_THROW(orroobject::setZfhFinder("x", {}), std::runtime_error);
     }
     // A null object boxes to a null array without asking the provider.

@@ -1,6 +1,5 @@
-// Declares an element-wise builtin with the declaration headers of the installed library and
-// calls it the way the interpreter does: over a row and a scalar, and with a text it refuses.
-// Prints "scaled = 2 4 6" and the refusal's class, and returns 0 when both are as expected.
+// Declares an element-wise builtin with the installed headers and calls it as the interpreter does,
+// over a row and a scalar, then with a text it refuses; prints both, returns 0 when both are right.
 #include <cstdio>
 #include <exception>
 #include <typeinfo>
@@ -8,11 +7,7 @@
 #include <builtin/declare/declare.hpp>
 #include <ka/ka.hpp>
 
-namespace {
-
-double scale(double x, double factor) { return x * factor; }
-
-}  // namespace
+static double scale(double x, double factor) { return x * factor; }
 
 int main() {
     using namespace Norvane::builtin;
@@ -20,8 +15,7 @@ int main() {
     builtin.def(&scale, declare::pure, declare::elementwise);
     const declare::DeclaredBuiltin scaled(std::move(builtin));
 
-    const ka::ArrayPtr row = ka::row({1.0, 2.0, 3.0});
-    const ka::ArrayPtr factor = ka::scalar(2.0);
+    const ka::ArrayPtr row = ka::row({1.0, 2.0, 3.0}), factor = ka::scalar(2.0), text = ka::charArray(u"x");
     kaArray_tag* prhs[] = {row.get(), factor.get()};
     kaArray_tag* plhs[1] = {nullptr};
     scaled.function().call(1, plhs, 2, prhs);
@@ -29,8 +23,6 @@ int main() {
     const auto* data = static_cast<const double*>(matrix::data(result.get()));
     std::printf("scaled = %g %g %g\n", data[0], data[1], data[2]);
     const bool rightResult = data[0] == 2 && data[1] == 4 && data[2] == 6;
-
-    const ka::ArrayPtr text = ka::charArray(u"x");
     kaArray_tag* wrong[] = {text.get(), factor.get()};
     try {
         scaled.function().call(1, plhs, 2, wrong);
