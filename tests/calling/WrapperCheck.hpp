@@ -1,8 +1,5 @@
 // Calls the wrapper that the selector gives for a signature, under each convention, against a
-// recording native function of exactly that signature, and checks everything the wrapper owes
-// its caller: the member of the right output and input types, each argument in its place, the
-// result in the alternative of its type. Only the description of the signature is a template;
-// the checks are not, which keeps these tests quick to build.
+// recording native function of that signature: each input in its place, the result in its type.
 #pragma once
 
 #include <builtin/calling/InlineCWrappers.hpp>
@@ -24,16 +21,14 @@
 
 namespace Norvane::builtin::testing {
 
-// Three distinct values of each alternative, none of them the default 0 and the first with its
-// top bits set, so that a wrapper that mixes up, narrows or drops a value shows it. Slots 0 and 1
-// feed the inputs, slot 2 is what a native function returns. The pointers are never dereferenced.
-inline char fakeObjects[9];
-inline constexpr std::size_t resultSlot = 2;
+// Distinct values of each alternative, none 0 and the first with its top bits set, so that a mixed
+// up, narrowed or dropped value shows. Slots 0 and 1 feed inputs, slot 2 is the native result.
+inline char fakeObjects[9];  // never dereferenced
 
 template <class T>
 T sample(std::size_t slot) {
   using Limits = std::numeric_limits<T>;
-  if constexpr (std::is_pointer_v<T>) {  // the last three alternatives
+  if constexpr (std::is_pointer_v<T>) {
     return reinterpret_cast<T>(&fakeObjects[3 * (parameterIndexOf<T> - 13) + slot]);
   } else if constexpr (std::is_same_v<T, bool>) {
     return slot != 1;
@@ -47,7 +42,6 @@ T sample(std::size_t slot) {
   }
 }
 
-// The environment handed to CanThrow functions; only its address is looked at.
 class StandInEnvironment final : public orro::IOrroBuiltinEnvironment, private orro::IOrroBuiltinAccessors {
  public:
   orro::IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
@@ -57,11 +51,9 @@ class StandInEnvironment final : public orro::IOrroBuiltinEnvironment, private o
   void SetInternalPendingException() override {}
 };
 
-// What the native functions saw since the test last cleared it, and what a CanThrow function
-// answers.
 struct NativeCall {
   int count = 0;
-  std::optional<JIT_CALLING_CONVENTION> form;  // which of the native signatures was called
+  std::optional<JIT_CALLING_CONVENTION> form;  // which native signature was called
   std::vector<Parameter> inputs;
   bool outWasNull = false;
   orro::IOrroBuiltinEnvironment* environment = nullptr;
@@ -74,7 +66,6 @@ inline bool canThrowAnswer = false;
 template <class R, class... A>
 struct RecordingNative {
   using Out = std::conditional_t<std::is_void_v<R>, void*, R*>;
-
   static R direct(A... a) {
     note(JIT_CALLING_CONVENTION::Direct, nullptr, a...);
     return result();
@@ -93,8 +84,7 @@ struct RecordingNative {
     }
     return canThrowAnswer;
   }
-
-  // The untyped entries by convention 0, 1, 2, checked against the public native signatures.
+  // The entries by convention 0, 1, 2, checked against the public native signatures.
   static std::array<NativeEntry, 3> entries() {
     using enum JIT_CALLING_CONVENTION;
     const orro::NativeFunction<Direct, R, A...> plain = &direct;
@@ -112,17 +102,8 @@ struct RecordingNative {
     lastNativeCall.descriptor = descriptor;
   }
   static R result() {
-    if constexpr (!std::is_void_v<R>) return sample<R>(resultSlot);
+    if constexpr (!std::is_void_v<R>) return sample<R>(2);
   }
-};
-
-// A native signature as the checks see it.
-struct Signature {
-  std::string name;
-  builtinreg::detail::Wrapper wrapper;
-  std::array<NativeEntry, 3> natives;  // by convention 0, 1, 2
-  ParameterList arguments;             // sample values, one slot for each input
-  std::optional<Parameter> result;     // what the native function returns; none for void
 };
 
 template <class R, class... A>
@@ -130,27 +111,23 @@ builtinreg::detail::Wrapper selectWrapper() {
   return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>, parameterIndexOf<A>...);
 }
 
-template <class R, class... A>
-Signature signatureOf() {
-  Signature signature{boost::core::demangle(typeid(R).name()) + "(", selectWrapper<R, A...>(),
-                      RecordingNative<R, A...>::entries(), {}, std::nullopt};
-  ((signature.name += boost::core::demangle(typeid(A).name()) + ","), ...);
-  signature.name += ")";
-  std::size_t slot = 0;
-  signature.arguments = {Parameter(sample<A>(slot++))...};
-  if constexpr (!std::is_void_v<R>) signature.result = Parameter(sample<R>(resultSlot));
-  return signature;
-}
-
-// Every convention, with a CanThrow function that reports and one that does not.
-void checkWrapperUnderAllConventions(const Signature& signature);
+// Every convention, with a CanThrow function that reports and one that does not. Only this
+// template is instantiated per signature; the checks live in WrapperTest.cpp.
+void checkWrapper(const std::string& name, builtinreg::detail::Wrapper wrapper, const std::array<NativeEntry, 3>& natives,
+                  const ParameterList& arguments, const std::optional<Parameter>& result);
 
 template <class R, class... A>
 void checkWrapperUnderAllConventions() {
-  checkWrapperUnderAllConventions(signatureOf<R, A...>());
+  std::string name = boost::core::demangle(typeid(R).name()) + "(";
+  ((name += boost::core::demangle(typeid(A).name()) + ","), ...);
+  std::size_t slot = 0;
+  const ParameterList arguments = {Parameter(sample<A>(slot++))...};
+  std::optional<Parameter> result;
+  if constexpr (!std::is_void_v<R>) result = Parameter(sample<R>(2));
+  checkWrapper(name + ")", selectWrapper<R, A...>(), RecordingNative<R, A...>::entries(), arguments, result);
 }
 
-// The output type of output index Out: void for the index of "no output".
+// The output type of output index Out: void for "no output".
 template <std::size_t Out>
 using OutputOf = typename std::conditional_t<Out == noOutputIndex, std::type_identity<void>,
                                              boost::mpl::at_c<ParameterTypes, static_cast<long>(Out)>>::type;
