@@ -1,16 +1,120 @@
 // The wrapper family: the stored numbers of Parameter's alternatives, what the selector gives at
-// each position, what each wrapper does around its native call, and the fatal end of convention 3.
-#include "WrapperCheck.hpp"
+// each position, and each wrapper called under each convention against a recording native
+// function of its signature (each input in its place, the result in its type), what a wrapper
+// does around the native call, and the fatal end of convention 3.
+#include <builtin/calling/InlineCWrappers.hpp>
+#include <builtin/calling/OrroBuiltinEnvironment.hpp>
 
+#include <boost/core/demangle.hpp>
 #include <boost/mp11/algorithm.hpp>
 #include <boost/mp11/list.hpp>
+#include <boost/variant/detail/variant_io.hpp>  // lets failures print a Parameter
 #include <boost/variant/get.hpp>
+#include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <complex>
+#include <cstdint>
+#include <limits>
+#include <optional>
 #include <set>
 #include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <typeinfo>
+#include <vector>
 
 namespace Norvane::builtin::testing {
+namespace {
+
+// Distinct values of each alternative, none 0 and the first with its top bits set, so that a mixed
+// up, narrowed or dropped value shows. Slots 0 and 1 feed inputs, slot 2 is the native result.
+char fakeObjects[9];  // never dereferenced
+
+template <class T>
+T sample(std::size_t slot) {
+  using Limits = std::numeric_limits<T>;
+  if constexpr (std::is_pointer_v<T>) {
+    return reinterpret_cast<T>(&fakeObjects[3 * (parameterIndexOf<T> - 13) + slot]);
+  } else if constexpr (std::is_same_v<T, bool>) {
+    return slot != 1;
+  } else if constexpr (std::is_arithmetic_v<T>) {
+    const T values[] = {Limits::max(), static_cast<T>(Limits::max() / 3),
+                        static_cast<T>(Limits::is_signed ? Limits::lowest() / 2 : Limits::max() / 5 * 2)};
+    return values[slot];
+  } else {  // std::complex
+    using Part = typename T::value_type;
+    return T(sample<Part>(slot), sample<Part>((slot + 1) % 3));
+  }
+}
+
+// Only the address of the environment is looked at.
+char environmentPlace;
+orro::IOrroBuiltinEnvironment* const standIn = reinterpret_cast<orro::IOrroBuiltinEnvironment*>(&environmentPlace);
+
+struct NativeCall {
+  int count = 0;
+  std::optional<JIT_CALLING_CONVENTION> form;  // which native signature was called
+  std::vector<Parameter> inputs;
+  bool outWasNull = false;
+  orro::IOrroBuiltinEnvironment* environment = nullptr;
+  orro::OrroFunctionDescriptor* descriptor = nullptr;
+};
+NativeCall lastNativeCall;
+bool canThrowAnswer = false;
+
+// Native functions of R f(A...) under each convention that note their call and return sample 2.
+template <class R, class... A>
+struct RecordingNative {
+  using Out = std::conditional_t<std::is_void_v<R>, void*, R*>;
+  static R direct(A... a) {
+    note(JIT_CALLING_CONVENTION::Direct, nullptr, a...);
+    return result();
+  }
+  static R withDescriptor(A... a, orro::OrroFunctionDescriptor* descriptor) {
+    note(JIT_CALLING_CONVENTION::DirectWithDescriptor, descriptor, a...);
+    return result();
+  }
+  static bool canThrow(A... a, Out out, orro::IOrroBuiltinEnvironment* environment,
+                       orro::OrroFunctionDescriptor* descriptor) {
+    note(JIT_CALLING_CONVENTION::CanThrow, descriptor, a...);
+    lastNativeCall.outWasNull = out == nullptr;
+    lastNativeCall.environment = environment;
+    if constexpr (!std::is_void_v<R>) {
+      if (out != nullptr) *out = result();
+    }
+    return canThrowAnswer;
+  }
+  // The entries by convention 0, 1, 2, checked against the public native signatures.
+  static std::array<NativeEntry, 3> entries() {
+    using enum JIT_CALLING_CONVENTION;
+    const orro::NativeFunction<Direct, R, A...> plain = &direct;
+    const orro::NativeFunction<DirectWithDescriptor, R, A...> described = &withDescriptor;
+    const orro::NativeFunction<CanThrow, R, A...> reporting = &canThrow;
+    return {reinterpret_cast<NativeEntry>(plain), reinterpret_cast<NativeEntry>(described),
+            reinterpret_cast<NativeEntry>(reporting)};
+  }
+
+ private:
+  static void note(JIT_CALLING_CONVENTION form, orro::OrroFunctionDescriptor* descriptor, A... a) {
+    ++lastNativeCall.count;
+    lastNativeCall.form = form;
+    lastNativeCall.inputs = {Parameter(a)...};
+    lastNativeCall.descriptor = descriptor;
+  }
+  static R result() {
+    if constexpr (!std::is_void_v<R>) return sample<R>(2);
+  }
+};
+
+template <class R, class... A>
+builtinreg::detail::Wrapper selectWrapper() {
+  return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>, parameterIndexOf<A>...);
+}
+
+// Every convention, with a CanThrow function that reports and one that does not; only the
+// template below is instantiated per signature.
 
 void checkWrapper(const std::string& name, builtinreg::detail::Wrapper wrapper, const std::array<NativeEntry, 3>& natives,
                   const ParameterList& arguments, const std::optional<Parameter>& result) {
@@ -21,11 +125,10 @@ void checkWrapper(const std::string& name, builtinreg::detail::Wrapper wrapper, 
                  std::to_string(answer));
     ASSERT_NE(wrapper, nullptr);
     OrroFunctionDescriptor descriptor{wrapper, natives.at(static_cast<std::size_t>(convention)), convention};
-    StandInEnvironment environment;
     lastNativeCall = NativeCall{};
     canThrowAnswer = answer;
     bool pending = !answer;  // the wrapper must overwrite whatever the flag held
-    const Parameter returned = wrapper(&descriptor, &environment, pending, arguments);
+    const Parameter returned = wrapper(&descriptor, standIn, pending, arguments);
     EXPECT_EQ(lastNativeCall.count, 1);
     EXPECT_EQ(lastNativeCall.form, convention);
     EXPECT_EQ(lastNativeCall.inputs, std::vector<Parameter>(arguments.begin(), arguments.end()));
@@ -35,12 +138,26 @@ void checkWrapper(const std::string& name, builtinreg::detail::Wrapper wrapper, 
     EXPECT_EQ(lastNativeCall.descriptor, convention == Direct ? nullptr : &descriptor);
     if (convention == CanThrow) {
       EXPECT_EQ(lastNativeCall.outWasNull, !result.has_value());
-      EXPECT_EQ(lastNativeCall.environment, &environment);
+      EXPECT_EQ(lastNativeCall.environment, standIn);
     }
   }
 }
 
-namespace {
+template <class R, class... A>
+void checkWrapperUnderAllConventions() {
+  std::string name = boost::core::demangle(typeid(R).name()) + "(";
+  ((name += boost::core::demangle(typeid(A).name()) + ","), ...);
+  std::size_t slot = 0;
+  const ParameterList arguments = {Parameter(sample<A>(slot++))...};
+  std::optional<Parameter> result;
+  if constexpr (!std::is_void_v<R>) result = Parameter(sample<R>(2));
+  checkWrapper(name + ")", selectWrapper<R, A...>(), RecordingNative<R, A...>::entries(), arguments, result);
+}
+
+// The output type of output index Out: void for "no output".
+template <std::size_t Out>
+using OutputOf = typename std::conditional_t<Out == noOutputIndex, std::type_identity<void>,
+                                             boost::mpl::at_c<ParameterTypes, static_cast<long>(Out)>>::type;
 
 using boost::mp11::mp_for_each;
 using boost::mp11::mp_iota_c;
@@ -115,9 +232,8 @@ OrroFunctionDescriptor descriptorFor(JIT_CALLING_CONVENTION c) {
 }
 
 Parameter call(OrroFunctionDescriptor& descriptor, bool& pending, const ParameterList& arguments) {
-  StandInEnvironment environment;
   lastNativeCall = NativeCall{};
-  return descriptor.typedEntry(&descriptor, &environment, pending, arguments);
+  return descriptor.typedEntry(&descriptor, standIn, pending, arguments);
 }
 
 // An unknown convention or a missing native entry calls nothing and fetches nothing; a fetch
