@@ -44,15 +44,13 @@ ArgType full(kaClassID element, Shape shape, std::size_t dim, bool complex = fal
 }
 
 ArgType scalar(kaClassID element, bool complex = false) {
-    return NumericScalarTypes(element, complex ? NumericScalarTypes::Complexity::COMPLEX
-                                               : NumericScalarTypes::Complexity::REAL);
+    return NumericScalarTypes(element, complex ? NumericScalarTypes::Complexity::COMPLEX : NumericScalarTypes::Complexity::REAL);
 }
 
 // A 2-D record only read, or released by a holder: the second count keeps it from being destroyed.
 struct FakeArray {
     kaArray_tag record{};
-    FakeArray(kaClassID storedClass, std::uint32_t flags, std::size_t rows, std::size_t columns,
-              void* data = nullptr) {
+    FakeArray(kaClassID storedClass, std::uint32_t flags, std::size_t rows, std::size_t columns, void* data = nullptr) {
         record.storedClass = storedClass;
         record.refCount = 1;
         record.pinCount = 1;
@@ -63,9 +61,9 @@ struct FakeArray {
     }
 };
 
-class Classification : public testsupport::LiveArrayTest {};
+class NoServices : public testsupport::LiveArrayTest {};
 
-TEST_F(Classification, FullArraysByShape) {
+TEST_F(NoServices, FullArraysByShape) {
     struct Case {
         kaClassID element;
         ka::Dims dims;
@@ -81,8 +79,7 @@ TEST_F(Classification, FullArraysByShape) {
         {kaSINGLE_CLASS, {2, 3}, kaCOMPLEX, full(kaSINGLE_CLASS, Shape::TWO_D, 2, true)},
         {kaCHAR_CLASS, {1, 5}, kaREAL, full(kaCHAR_CLASS, Shape::ROW, 1)},
         {kaLOGICAL_CLASS, {4, 1}, kaREAL, full(kaLOGICAL_CLASS, Shape::COLUMN, 1)},
-        // Only the floating classes have a complex scalar.
-        {kaINT8_CLASS, {1, 1}, kaCOMPLEX, full(kaINT8_CLASS, Shape::SCALAR, 0, true)},
+        {kaINT8_CLASS, {1, 1}, kaCOMPLEX, full(kaINT8_CLASS, Shape::SCALAR, 0, true)},  // no complex integer scalar
         {kaDOUBLE_CLASS, {1, 1}, kaCOMPLEX, scalar(kaDOUBLE_CLASS, true)},
         {kaUINT64_CLASS, {1, 1}, kaREAL, scalar(kaUINT64_CLASS)},
     };
@@ -94,21 +91,7 @@ TEST_F(Classification, FullArraysByShape) {
     }
 }
 
-TEST_F(Classification, OtherClassesStayArraysEvenAsScalars) {
-    const std::pair<ka::ArrayPtr, ArgType> cases[] = {
-        {ka::createCell({1, 1}), full(kaCELL_CLASS, Shape::SCALAR, 0)},
-        {ka::createStruct({1, 1}, {"a"}), full(kaSTRUCT_CLASS, Shape::SCALAR, 0)},
-        {ka::createFunctionHandle("sin"), full(kaFUNCTION_CLASS, Shape::SCALAR, 0)},
-        {ka::createSparse(kaDOUBLE_CLASS, 3, 4, {{0, 1, 2.0}}),
-         KaArrayTypes(kaDOUBLE_CLASS, Shape::TWO_D, KaArrayTypes::Density::SPARSE,
-                      KaArrayTypes::Complexity::NOT_COMPLEX, 2)},
-    };
-    for (const auto& [array, expected] : cases) {
-        EXPECT_EQ(classifyKaArray(array.get()), std::make_pair(expected, Converter(&passThroughConverter)));
-    }
-}
-
-TEST_F(Classification, RefusedArraysAreUnsupported) {
+TEST_F(NoServices, RefusedArraysAreUnsupported) {
     const std::size_t ndDims[] = {2, 2, 2};
     FakeArray sparseND(kaDOUBLE_CLASS, matrix::flags::sparse, 0, 0);
     sparseND.record.flags = matrix::flags::sparse;
@@ -127,17 +110,26 @@ TEST_F(Classification, RefusedArraysAreUnsupported) {
     EXPECT_EQ(getArgTypeOfKaArray(nullptr), ArgType(UnsupportedArgType{}));
 }
 
-TEST_F(Classification, InstancesWithoutServices) {
-    // Without StringSupport there is no string class; without a provider no object can be read.
-    constexpr auto stringClass = static_cast<kaClassID>(19);
+// Other classes stay arrays even as scalars. Without StringSupport there is no string class;
+// without a provider no object can be read.
+TEST_F(NoServices, OtherClassesAndInstances) {
+    const std::pair<ka::ArrayPtr, ArgType> cases[] = {
+        {ka::createCell({1, 1}), full(kaCELL_CLASS, Shape::SCALAR, 0)},
+        {ka::createStruct({1, 1}, {"a"}), full(kaSTRUCT_CLASS, Shape::SCALAR, 0)},
+        {ka::createFunctionHandle("sin"), full(kaFUNCTION_CLASS, Shape::SCALAR, 0)},
+        {ka::createSparse(kaDOUBLE_CLASS, 3, 4, {{0, 1, 2.0}}),
+         KaArrayTypes(kaDOUBLE_CLASS, Shape::TWO_D, KaArrayTypes::Density::SPARSE, KaArrayTypes::Complexity::NOT_COMPLEX, 2)},
+    };
+    for (const auto& [array, expected] : cases) {
+        EXPECT_EQ(classifyKaArray(array.get()), std::make_pair(expected, Converter(&passThroughConverter)));
+    }
     constexpr auto knownClass = static_cast<kaClassID>(40);
     addAsKnownOrroObject(knownClass);
     const auto payload = std::make_shared<int>(0);
-    const auto string = ka::createObject(stringClass, "string", payload);
+    const auto string = ka::createObject(static_cast<kaClassID>(19), "string", payload);
     const auto known = ka::createObject(knownClass, "Known", payload);
     const auto asStruct = ka::createObject(knownClass, "Known", payload, {1, 1}, kaSTRUCT_CLASS);
     const auto asObject = ka::createObject(knownClass, "Known", payload, {1, 1}, kaOBJECT_CLASS);
-
     EXPECT_EQ(classifyKaArray(string.get()), std::make_pair(ArgType(UnsupportedArgType{}), Converter{}));
     EXPECT_EQ(classifyKaArray(asObject.get()).second, nullptr);
     EXPECT_THROW(classifyKaArray(known.get()), std::runtime_error);
@@ -159,8 +151,6 @@ TEST(KnownOrroObjects, EachIdIsNewExactlyOnceEvenUnderConcurrentRegistration) {
     EXPECT_TRUE(isAKnownOrroObject(static_cast<kaClassID>(2999)));
     EXPECT_FALSE(isAKnownOrroObject(static_cast<kaClassID>(3000)));
 }
-
-class Conversion : public testsupport::LiveArrayTest {};
 
 // A value boxes into a 1-by-1 array of its class, which unboxes into alternative `which` for a
 // declared scalar and stays the array (one more reference, temporary mark cleared) otherwise.
@@ -190,7 +180,7 @@ void roundTrip(T value, kaClassID element, int which, bool complex = false) {
     matrix::releaseReference(array.get());
 }
 
-TEST_F(Conversion, ScalarsBoxAndUnboxOnlyForDeclaredScalars) {
+TEST_F(NoServices, ScalarsBoxAndUnboxOnlyForDeclaredScalars) {
     roundTrip(std::uint64_t{1} << 40, kaUINT64_CLASS, 0);
     roundTrip(2.5, kaDOUBLE_CLASS, 1);
     roundTrip(1.5f, kaSINGLE_CLASS, 2);
@@ -205,7 +195,6 @@ TEST_F(Conversion, ScalarsBoxAndUnboxOnlyForDeclaredScalars) {
     roundTrip(4000000000u, kaUINT32_CLASS, 10);
     roundTrip(std::complex<double>(1, 2), kaDOUBLE_CLASS, 11, true);
     roundTrip(std::complex<float>(3, 4), kaSINGLE_CLASS, 12, true);
-
     // Without the services, strings and objects box to null, whatever out held.
     kaArray_tag stale{};
     kaArray_tag* out = &stale;
@@ -216,7 +205,7 @@ TEST_F(Conversion, ScalarsBoxAndUnboxOnlyForDeclaredScalars) {
     EXPECT_EQ(out, nullptr);
 }
 
-TEST_F(Conversion, ResultsBecomeArraysByTheDeclaredOutput) {
+TEST_F(NoServices, ResultsBecomeArraysByTheDeclaredOutput) {
     BuiltinVariant charOutput, uint16Output, noOutput;
     charOutput.outputArgTypes = {scalar(kaCHAR_CLASS)};
     uint16Output.outputArgTypes = {scalar(kaUINT16_CLASS)};
@@ -235,7 +224,7 @@ TEST_F(Conversion, ResultsBecomeArraysByTheDeclaredOutput) {
     EXPECT_EQ(getArgTypeOfKaArray(fromDouble.get()), scalar(kaDOUBLE_CLASS));
 }
 
-TEST_F(Conversion, CharArraysReadAsStrings) {
+TEST_F(NoServices, CharArraysReadAsStrings) {
     char16_t text[] = u"abc";  // declared ahead of the holders, which release the records last
     FakeArray complexRow(kaCHAR_CLASS, matrix::flags::complex, 1, 3, text);
     FakeArray sparseRow(kaCHAR_CLASS, matrix::flags::sparse, 1, 3, text);
@@ -258,7 +247,7 @@ TEST_F(Conversion, CharArraysReadAsStrings) {
     EXPECT_EQ(holders.size(), 9u) << "a refused array is held too";
 }
 
-TEST_F(Conversion, StringsBecomeCharRowsWithoutStringSupport) {
+TEST_F(NoServices, StringsBecomeCharRowsWithoutStringSupport) {
     const std::tuple<ka::ArrayPtr, ArgType, std::u16string> cases[] = {
         {ka::ArrayPtr(TypeTraitsImpl<std::u16string>()(std::u16string(u"abc"))), full(kaCHAR_CLASS, Shape::ROW, 1),
          u"abc"},
@@ -279,9 +268,9 @@ TEST_F(Conversion, StringsBecomeCharRowsWithoutStringSupport) {
     EXPECT_EQ(Traits::getArgType(3), ArgType(UnsupportedArgType{}));
 }
 
-using ConversionDeathTest = Conversion;
+using NoServicesDeathTest = NoServices;
 
-TEST_F(ConversionDeathTest, ChecksStopWithTheirTexts) {
+TEST_F(NoServicesDeathTest, ChecksStopWithTheirTexts) {
     namespace td = Norvane::builtin::types::detail;
     namespace bd = Norvane::builtin::builtinreg::detail;
     const Parameter number(2.0);
