@@ -315,14 +315,14 @@ TEST_F(ElementWise, BroadcastMatchesAPlainReferenceLoop) {
 }
 
 OrroFunctionDescriptor* seenDescriptor = nullptr;
-IOrroBuiltinEnvironment* seenEnvironment = nullptr;
+std::atomic<IOrroBuiltinEnvironment*> seenEnvironment{nullptr};  // the kernels below run on workers
 double negateDescribed(double x, OrroFunctionDescriptor* descriptor) {
   seenDescriptor = descriptor;
   return -x;
 }
 // Fails, with a distinct exception, for every element from `failFrom`; warns "w<x>" if `warning`.
-double failFrom = 1e9;
-bool warning = false;
+std::atomic<double> failFrom{1e9};
+std::atomic<bool> warning{false};
 bool reporting(double x, double* out, IOrroBuiltinEnvironment* environment, OrroFunctionDescriptor*) {
   note();
   seenEnvironment = environment;
@@ -359,8 +359,8 @@ TEST_F(ElementWise, EachConventionIsCalledAsItSays) {
     const ka::ArrayPtr result = callForArray(variant, {give(ka::row({2.0, 2.0}))});
     EXPECT_EQ(elementsOf<double>(result.get()), std::vector<double>(2, c.expected)) << c.convention;
     EXPECT_EQ(seenDescriptor, c.convention == 1 ? &variant.functionDescriptor : nullptr) << c.convention;
-    EXPECT_EQ(seenEnvironment != nullptr, c.convention == 2) << c.convention;
-    EXPECT_NE(seenEnvironment, &parent) << "kernels report to the collecting environment";
+    EXPECT_EQ(seenEnvironment.load() != nullptr, c.convention == 2) << c.convention;
+    EXPECT_NE(seenEnvironment.load(), &parent) << "kernels report to the collecting environment";
   }
 }
 
