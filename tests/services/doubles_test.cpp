@@ -1,7 +1,6 @@
-// This executable exports its own installAndStart, which the library binds to instead of the
-// framework's: it counts its calls, can fail once, and registers services as a bundle would.
-// Guards the one start of the services (tried again after a failure, once for two threads) and
-// the holders that stay unfilled after a failed lookup.
+// The one start of the services (tried again after a failure, once for two threads) and holders
+// left unfilled by a failed lookup, with an installAndStart of this executable's own that counts
+// its calls, can fail once, and registers services as a bundle would.
 #include <cppmicroservices/FrameworkFactory.h>
 
 #include <gtest/gtest.h>

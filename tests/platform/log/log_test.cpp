@@ -154,26 +154,6 @@ TEST(TraceScope, EntryExitAndIndentFollowTheMask) {
     }
 }
 
-// A trace inside a destructor run by unwinding, itself left normally, is no "[throw]".
-struct traces_on_destruction {
-    const flog::diagnostic_logger& logger;
-    ~traces_on_destruction() { flog::trace_scope trace(logger, "cleanup"); }
-};
-
-TEST(TraceScope, UnwindingAlreadyUnderWayIsNotAThrow) {
-    scoped_channel_mask mask("test::unwind", 32 | 64);
-    memory_sink sink("test::unwind");
-    flog::diagnostic_logger logger("test::unwind");
-    try {
-        flog::trace_scope outer(logger, "outer");
-        traces_on_destruction guard{logger};
-        throw std::runtime_error("fail");
-    } catch (const std::runtime_error&) {
-    }
-    EXPECT_EQ(lines(sink), (std::vector<line>{{32, 0, "outer"}, {32, 1, "cleanup"}, {64, 1, "cleanup"},
-                                              {64, 0, "outer [throw]"}}));
-}
-
 TEST(TraceScope, IndentBelongsToTheThread) {
     const std::string channel = "test::trace_threads";
     scoped_channel_mask mask(channel, 1 | 32 | 64);
