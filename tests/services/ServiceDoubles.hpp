@@ -1,5 +1,5 @@
 // In-process doubles of the services the library looks up, for tests that register them with
-// a framework themselves. Most answer with neutral values, and tests look at their identity.
+// the process framework themselves; most answer with neutral values.
 #pragma once
 
 #include <builtin/services/services.hpp>
@@ -40,15 +40,14 @@ private:
     std::u16string text_;
 };
 
-// What the class provider double reads from an object array: the variant id and the type
-// flag; the payload's address stands for the engine object.
+// What the class provider double reads from an object array; the payload's address stands for
+// the engine object.
 struct ObjectPayload {
     std::size_t variantId;
     bool typeFlag;
 };
 
-// Reads object arrays made with an ObjectPayload, and boxes engine objects as objects of the
-// class it was given.
+// Reads object arrays made with an ObjectPayload; boxes engine objects as its class.
 class StubClassProvider final : public IZOBJRegWrapper {
 public:
     explicit StubClassProvider(std::int32_t boxedClass = 40) : boxedClass_(static_cast<kaClassID>(boxedClass)) {}
@@ -97,24 +96,17 @@ public:
 };
 
 // A module manager that answers with the name it is published under.
-class NamedModule final : public builtinreg::IOrroObjectModuleMgr {
-public:
-    explicit NamedModule(std::string name) : name_(std::move(name)) {}
-    std::string getModuleName() const override { return name_; }
+struct NamedModule final : builtinreg::IOrroObjectModuleMgr {
+    explicit NamedModule(std::string published) : name(std::move(published)) {}
+    std::string getModuleName() const override { return name; }
     void registerOrroObjects() override {}
-
-private:
-    std::string name_;
+    std::string name;
 };
-
-inline cppmicroservices::BundleContext processContext() {
-    return foundation::cppmicroservices::getFramework()->GetBundleContext();
-}
 
 // Registers `service` under I with the process framework and returns it.
 template <class I, class Impl>
 std::shared_ptr<Impl> registerDouble(std::shared_ptr<Impl> service, const cppmicroservices::ServiceProperties& properties = {}) {
-    processContext().RegisterService<I>(service, properties);
+    foundation::cppmicroservices::getFramework()->GetBundleContext().RegisterService<I>(service, properties);
     return service;
 }
 

@@ -1,6 +1,6 @@
-// This executable exports its own installAndStart, which the library binds to instead of the
-// framework's: it counts its calls, can fail once, and registers services as a bundle would.
-// The tests build on each other (a holder is filled once per process): keep their order.
+// The one start of the services (tried again after a failure, once for two threads) and holders
+// left unfilled by a failed lookup, with an installAndStart of this executable's own that counts
+// its calls, can fail once, and registers services as a bundle would.
 #include <cppmicroservices/FrameworkFactory.h>
 
 #include <gtest/gtest.h>
@@ -8,7 +8,6 @@
 #include <atomic>
 #include <chrono>
 #include <latch>
-#include <mutex>
 #include <thread>
 
 #include "ServiceDoubles.hpp"
@@ -21,17 +20,11 @@ namespace {
 struct StartRecord {
     std::atomic<int> calls{0};
     std::atomic<bool> failNext{false};
-    std::mutex mutex;
-    std::u16string directory;
+    std::u16string directory;  // written by the one start, read after the threads joined
     std::string filter;
     std::shared_ptr<StubStringSupport> strings = std::make_shared<StubStringSupport>();
     std::shared_ptr<StubClassProvider> classes = std::make_shared<StubClassProvider>();
-};
-
-StartRecord& record() {
-    static StartRecord instance;
-    return instance;
-}
+} record;
 
 struct NoIdInterface {
     virtual ~NoIdInterface() = default;
@@ -44,20 +37,14 @@ CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(NoIdInterface, "")
 namespace foundation::cppmicroservices {
 
 InstallAndStartResult installAndStart(fl::filesystem::path directory, const ::cppmicroservices::LDAPFilter& filter) {
-    auto& r = record();
-    ++r.calls;
-    {
-        std::lock_guard lock(r.mutex);
-        r.directory = directory.text();
-        r.filter = filter.ToString();
-    }
+    ++record.calls;
+    record.directory = directory.text();
+    record.filter = filter.ToString();
     // Long enough for a second thread to arrive while the start runs.
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    if (r.failNext.exchange(false)) {
-        throw std::runtime_error("bundle start failed");
-    }
-    registerDouble<StringSupport>(r.strings);
-    registerDouble<IZOBJRegWrapper>(r.classes);
+    if (record.failNext.exchange(false)) throw std::runtime_error("bundle start failed");
+    registerDouble<StringSupport>(record.strings);
+    registerDouble<IZOBJRegWrapper>(record.classes);
     return {};
 }
 
@@ -65,23 +52,17 @@ InstallAndStartResult installAndStart(fl::filesystem::path directory, const ::cp
 
 namespace {
 
-class Doubles : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() { foundation::cppmicroservices::createFramework(); }
-};
-
-TEST_F(Doubles, UpstreamWalkStartsNoBundles) {
+// The steps build on each other: a holder is filled once per process.
+TEST(Doubles, ServicesStartOnceAfterAFailedStartAndFailedLookupsAreNotKept) {
+    foundation::cppmicroservices::createFramework();
     builtinreg::callUpstreamModules({"any"}, [](builtinreg::IOrroObjectModuleMgr*) {});
-    EXPECT_EQ(record().calls, 0);
-}
+    EXPECT_EQ(record.calls, 0) << "the upstream walk starts no bundles";
 
-TEST_F(Doubles, AFailedStartIsTriedAgain) {
-    record().failNext = true;
+    record.failNext = true;
     EXPECT_THROW(getHeldService<StringSupport>(), std::runtime_error);
-    EXPECT_EQ(record().calls, 1);
-}
+    EXPECT_EQ(record.calls, 1);
 
-TEST_F(Doubles, TwoThreadsAtTheFirstAccessStartOnce) {
+    // Two threads at the next first access: one start.
     std::latch ready(2);
     const StringSupport* strings = nullptr;
     const IZOBJRegWrapper* classes = nullptr;
@@ -95,29 +76,24 @@ TEST_F(Doubles, TwoThreadsAtTheFirstAccessStartOnce) {
     });
     first.join();
     second.join();
+    EXPECT_EQ(record.calls, 2);
+    EXPECT_EQ(strings, record.strings.get());
+    EXPECT_EQ(classes, record.classes.get());
+    EXPECT_EQ(record.directory, u"bin/linux64/builtinservices");
+    EXPECT_EQ(record.filter, "(started-in=builtin2/builtin)");
 
-    EXPECT_EQ(record().calls, 2) << "one failed start before, one start now";
-    EXPECT_EQ(strings, record().strings.get());
-    EXPECT_EQ(classes, record().classes.get());
-    std::lock_guard lock(record().mutex);
-    EXPECT_EQ(record().directory, u"bin/linux64/builtinservices");
-    EXPECT_EQ(record().filter, "(started-in=builtin2/builtin)");
-}
-
-TEST_F(Doubles, AFailedLookupLeavesTheHolderUnfilled) {
+    // A lookup that fails (a framework never started) leaves its holder unfilled.
     auto live = foundation::cppmicroservices::setFramework(
         std::make_shared<cppmicroservices::Framework>(cppmicroservices::FrameworkFactory().NewFramework()));
-    EXPECT_THROW(getHeldService<IOrroObjectRegister>(), std::runtime_error);  // a framework never started
+    EXPECT_THROW(getHeldService<IOrroObjectRegister>(), std::runtime_error);
     foundation::cppmicroservices::setFramework(live);
-
     const auto objects = registerDouble<IOrroObjectRegister>(std::make_shared<StubObjectRegister>());
     EXPECT_EQ(getHeldService<IOrroObjectRegister>(), objects);
-    EXPECT_EQ(record().calls, 2);
-}
+    EXPECT_EQ(record.calls, 2);
 
-TEST_F(Doubles, HoldersOfOtherInterfacesWorkFromTheHeader) {
+    // Holders of other interfaces work from the header; a refused id is not cached.
     EXPECT_THROW(getHeldService<NoIdInterface>(), cppmicroservices::ServiceException);
-    EXPECT_THROW(getHeldService<NoIdInterface>(), cppmicroservices::ServiceException);  // not cached
+    EXPECT_THROW(getHeldService<NoIdInterface>(), cppmicroservices::ServiceException);
     struct Unregistered {
         virtual ~Unregistered() = default;
     };

@@ -1,12 +1,11 @@
-// Patterns for death tests: a text as a regular expression that matches exactly it, and the
-// whole report of foundation::core::diag::terminate for a text and a source path.
+// Patterns for death tests: a text as an extended regular expression that matches exactly it, and
+// the whole report of foundation::core::diag::terminate for a text and a source path.
 #pragma once
 
 #include <string>
 
 namespace testsupport {
 
-// The text as an extended regular expression that matches exactly it.
 inline std::string literal(const std::string& text) {
     std::string out;
     for (const char c : text) {

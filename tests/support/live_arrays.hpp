@@ -1,6 +1,5 @@
-// Checks that a test leaves no array alive. Use LiveArrayTest as the fixture of a test that
-// creates arrays: it compares the library's live-array count with what it was at the start and
-// reports a leak (or a double release) as a failure.
+// The fixture of a test that creates arrays: it fails the test if the library's live-array count
+// differs at the end from the start (a leak, or a double release).
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,11 +14,8 @@ class LiveArrayTest : public ::testing::Test {
 protected:
     void SetUp() override { start_ = ka::liveArrayCount(); }
     void TearDown() override { EXPECT_EQ(ka::liveArrayCount(), start_) << "the test left arrays alive"; }
-
     // Arrays created since the start and not destroyed (negative: destroyed too many).
-    long long alive() const {
-        return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_);
-    }
+    long long alive() const { return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_); }
 
 private:
     std::size_t start_ = 0;

@@ -1,5 +1,5 @@
-// The tavi store: the scopes that switch the current store, and the fatal ends of broken scopes
-// and failed lookups.
+// The tavi store: scopes switch and restore the current store; broken scopes and failed lookups
+// stop the process.
 #include <foundation/usm/store.hpp>
 #include <foundation/usm/test/store_access.hpp>
 
@@ -13,9 +13,7 @@ namespace {
 using namespace foundation::usm;
 using Tavi = Detail<scope::Tavi>;
 
-ID nextID() { return Tavi::getNextID(typeid(int)); }
-
-TEST(Store, ScopesSwitchAndRestoreTheCurrentStore) {
+TEST(Store, ScopesSwitchAndRestoreTheCurrentStoreAndIdsKeepTheirType) {
     Store& own = Tavi::current();
     Store first, second;
     {
@@ -27,24 +25,20 @@ TEST(Store, ScopesSwitchAndRestoreTheCurrentStore) {
         EXPECT_EQ(&Tavi::current(), &first);
     }
     EXPECT_EQ(&Tavi::current(), &own);
-}
 
-// The test helper makes what insert refuses, a value under an id made for another type.
-TEST(Store, TestAccessListsIdsAndStoresUnderAnyId) {
-    Store store;
-    const ID first = nextID(), second = nextID();
-    store.insert(second, typeid(int), makeValue<int>(2));
-    EXPECT_THROW(store.insert(first, typeid(double), makeValue<double>(1.0)), TypeError);
-    test::store_access::insertAs(store, first, typeid(double), makeValue<double>(1.0));
-    EXPECT_EQ(test::store_access::ids(store), (std::vector<ID>{second, first}));
-    EXPECT_THROW(store.findOrThrow(first, typeid(int)), TypeError);
-    EXPECT_THROW(test::store_access::insertAs(store, first, typeid(int), makeValue<int>(3)),
-                 AlreadyExistsError);
+    // The test helper makes what insert refuses, a value under an id made for another type.
+    const ID a = Tavi::getNextID(typeid(int)), b = Tavi::getNextID(typeid(int));
+    first.insert(b, typeid(int), makeValue<int>(2));
+    EXPECT_THROW(first.insert(a, typeid(double), makeValue<double>(1.0)), TypeError);
+    test::store_access::insertAs(first, a, typeid(double), makeValue<double>(1.0));
+    EXPECT_EQ(test::store_access::ids(first), (std::vector<ID>{b, a}));
+    EXPECT_THROW(first.findOrThrow(a, typeid(int)), TypeError);
+    EXPECT_THROW(test::store_access::insertAs(first, a, typeid(int), makeValue<int>(3)), AlreadyExistsError);
 }
 
 TEST(StoreDeathTest, BrokenScopesAndFailedLookupsStopTheProcess) {
     Store store;
-    const ID id = nextID();
+    const ID id = Tavi::getNextID(typeid(int));
     EXPECT_DEATH(store.findOrFail(id, typeid(int)), "no value under id");
     store.insert(id, typeid(int), makeValue<int>(1));
     EXPECT_DEATH(store.findOrFail(id, typeid(double)), "holds int under id .*, not double");
@@ -59,9 +53,9 @@ TEST(StoreDeathTest, BrokenScopesAndFailedLookupsStopTheProcess) {
         {
             Store a;
             Store b;
-            auto first = std::make_unique<CurrentTavi>(a);
-            CurrentTavi second(b);
-            first.reset();
+            auto outer = std::make_unique<CurrentTavi>(a);
+            CurrentTavi inner(b);
+            outer.reset();
         },
         "reverse order");
 }

@@ -5,8 +5,7 @@
 
 namespace testbundle {
 
-class IGreeter {
-public:
+struct IGreeter {
     virtual ~IGreeter() = default;
     virtual std::string greet() const = 0;
 };

@@ -1,6 +1,6 @@
-// A bundle for the tests of installAndStart. Its manifest decides what it does: it registers
-// an IGreeter with the manifest's "greeting", and then fails its start if the manifest has
-// "fail-start", so that the tests can see a failed start take its services back.
+// A bundle for the tests of installAndStart: it registers an IGreeter with its manifest's
+// "greeting", then fails its start if the manifest has "fail-start", so that the tests can see
+// a failed start take its services back.
 #include <cppmicroservices/BundleActivator.h>
 #include <cppmicroservices/BundleContext.h>
 
@@ -11,27 +11,21 @@
 
 namespace {
 
-class Greeter final : public testbundle::IGreeter {
-public:
-    explicit Greeter(std::string text) : text_(std::move(text)) {}
-    std::string greet() const override { return text_; }
-
-private:
-    std::string text_;
+struct Greeter final : testbundle::IGreeter {
+    explicit Greeter(std::string greeting) : text(std::move(greeting)) {}
+    std::string greet() const override { return text; }
+    std::string text;
 };
 
-class Activator final : public cppmicroservices::BundleActivator {
-public:
+struct Activator final : cppmicroservices::BundleActivator {
     void Start(cppmicroservices::BundleContext context) override {
         const auto& headers = context.GetBundle().GetHeaders();
         context.RegisterService<testbundle::IGreeter>(
             std::make_shared<Greeter>(cppmicroservices::ref_any_cast<std::string>(headers.at("greeting"))),
             {{"greeting", headers.at("greeting")}});
-        if (headers.contains("fail-start")) {
-            throw std::runtime_error("refusing to start");
-        }
+        if (headers.contains("fail-start")) throw std::runtime_error("refusing to start");
     }
-    void Stop(cppmicroservices::BundleContext /*context*/) override {}
+    void Stop(cppmicroservices::BundleContext) override {}
 };
 
 }  // namespace
