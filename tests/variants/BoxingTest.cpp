@@ -1,5 +1,5 @@
-// Boxing variants: their levels, the consistency checks that stop a broken declaration, the
-// record of conversions, and the report of a failed conversion.
+// Boxing variants: their levels, the fatal consistency checks, the record of conversions, and
+// the report of a failed conversion.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -12,6 +12,7 @@
 
 #include "VariantBuilders.hpp"
 #include "engine_environment.hpp"
+#include "fatal_text.hpp"
 
 namespace varianttest {
 namespace {
@@ -30,7 +31,7 @@ TEST(FillBoxedVariants, LevelsStartAtOrroOnly) {
     EXPECT_EQ(variants[0].inputArgTypes, std::vector<ArgType>{scalar()});
     EXPECT_EQ(variants[0].inputTypes, std::vector<std::string>{"double"});
     EXPECT_EQ(variants[0].orroSupportLevel, ORRO_ONLY);
-    EXPECT_EQ(variants[1].orroSupportLevel, NO_SUPPORT) << "a complex scalar input is not for the engine";
+    EXPECT_EQ(variants[1].orroSupportLevel, NO_SUPPORT);  // a complex scalar input
     EXPECT_EQ(variants[1].originalVariant, prototype.originalVariant);
     EXPECT_EQ(variants[1].outputTypes, declared.outputTypes);
 
@@ -43,29 +44,23 @@ TEST(FillBoxedVariants, LevelsStartAtOrroOnly) {
 TEST(BoxingVariantDeathTest, InconsistentBoxingVariantsStop) {
     const BuiltinVariant original = makeVariant({.in = {scalar()}, .out = {scalar()}});
     assertBoxingVariantConsistent(makeVariant({.in = {scalar(kaSINGLE_CLASS)}, .out = {scalar()}}), original);
-    BuiltinVariant fewerInputTypes = original;
+    BuiltinVariant fewerInputTypes = original, fewerInputs = original, otherOutputType = original;
     fewerInputTypes.inputTypes.clear();
-    BuiltinVariant fewerInputs = original;
     fewerInputs.inputArgTypes.clear();
-    // The same text for a different type: only the ArgTypes tell them apart.
-    BuiltinVariant otherOutputType = original;
-    otherOutputType.outputArgTypes = {scalar(kaSINGLE_CLASS)};
-    const struct {
-        const BuiltinVariant& boxing;
-        const char* text;
-    } broken[] = {
-        {fewerInputTypes, "boxingVariant\\.inputTypes\\.size\\(\\) == originalVariant\\.inputTypes\\.size\\(\\)"},
-        {fewerInputs, "boxingVariant\\.inputArgTypes\\.size\\(\\) == originalVariant\\.inputArgTypes\\.size\\(\\)"},
-        {makeVariant({.in = {scalar()}}), "std::equal\\(boxingVariant\\.outputTypes\\.cbegin\\(\\), "
-                                          "boxingVariant\\.outputTypes\\.cend\\(\\), originalVariant\\.outputTypes\\."
-                                          "cbegin\\(\\), originalVariant\\.outputTypes\\.cend\\(\\)\\)"},
-        {otherOutputType, "std::equal\\(boxingVariant\\.outputArgTypes\\.cbegin\\(\\), boxingVariant\\."
-                          "outputArgTypes\\.cend\\(\\), originalVariant\\.outputArgTypes\\.cbegin\\(\\), "
-                          "originalVariant\\.outputArgTypes\\.cend\\(\\)\\)"},
+    otherOutputType.outputArgTypes = {scalar(kaSINGLE_CLASS)};  // the same text: only the ArgTypes differ
+    const auto equal = [](const std::string& member) {
+        return "std::equal(boxingVariant." + member + ".cbegin(), boxingVariant." + member + ".cend(), originalVariant." +
+               member + ".cbegin(), originalVariant." + member + ".cend())";
     };
-    for (const auto& c : broken) {
-        EXPECT_DEATH(assertBoxingVariantConsistent(c.boxing, original),
-                     std::string(c.text) + "\n  at builtin2/interface/builtin/MakeVariant:");
+    const std::pair<BuiltinVariant, std::string> broken[] = {
+        {fewerInputTypes, "boxingVariant.inputTypes.size() == originalVariant.inputTypes.size()"},
+        {fewerInputs, "boxingVariant.inputArgTypes.size() == originalVariant.inputArgTypes.size()"},
+        {makeVariant({.in = {scalar()}}), equal("outputTypes")},
+        {otherOutputType, equal("outputArgTypes")},
+    };
+    for (const auto& [boxing, text] : broken) {
+        EXPECT_DEATH(assertBoxingVariantConsistent(boxing, original),
+                     testsupport::fatalReport(text, "builtin2/interface/builtin/MakeVariant"));
     }
 }
 

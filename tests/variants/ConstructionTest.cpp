@@ -10,6 +10,7 @@
 #include <builtin/variants/MakeVariant.hpp>
 
 #include "VariantBuilders.hpp"
+#include "fatal_text.hpp"
 
 namespace varianttest {
 namespace {
@@ -21,9 +22,8 @@ using namespace builtinreg::detail;
 
 KaArrayTypes array(kaClassID element, Shape shape, std::size_t dim, bool complex = false,
                    KaArrayTypes::Density density = KaArrayTypes::Density::FULL) {
-    return KaArrayTypes(element, shape, density,
-                        complex ? KaArrayTypes::Complexity::COMPLEX : KaArrayTypes::Complexity::NOT_COMPLEX,
-                        dim);
+    using C = KaArrayTypes::Complexity;
+    return {element, shape, density, complex ? C::COMPLEX : C::NOT_COMPLEX, dim};
 }
 
 TEST(NativeArgTypes, OneStrictConstantPerElementAndShape) {
@@ -58,8 +58,10 @@ TEST(NativeArgTypes, OneStrictConstantPerElementAndShape) {
         {"cell scalar", getNativeArgType<matrix::cell, NS::SCALAR>(0), array(kaCELL_CLASS, Shape::SCALAR, 0)},
         {"uint16 row", getNativeArgType<std::uint16_t, NS::ROW>(0), array(kaUINT16_CLASS, Shape::ROW, 1)},
         {"struct matrix", getNativeArgType<matrix::structure, NS::MATRIX>(0), array(kaSTRUCT_CLASS, Shape::TWO_D, 2)},
-        {"handle empty", getNativeArgType<matrix::functionhandle, NS::EMPTY>(0), array(kaFUNCTION_CLASS, Shape::EMPTY, 0)},
-        {"complex single N-d", getNativeArgType<std::complex<float>, NS::ND>(0), array(kaSINGLE_CLASS, Shape::ND, 3, true)},
+        {"handle empty", getNativeArgType<matrix::functionhandle, NS::EMPTY>(0),
+         array(kaFUNCTION_CLASS, Shape::EMPTY, 0)},
+        {"complex single N-d", getNativeArgType<std::complex<float>, NS::ND>(0),
+         array(kaSINGLE_CLASS, Shape::ND, 3, true)},
         {"sparse complex double", getNativeArgType<std::complex<double>, NS::SPARSE>(0),
          array(kaDOUBLE_CLASS, Shape::TWO_D, 2, true, KaArrayTypes::Density::SPARSE)},
     };
@@ -71,112 +73,95 @@ TEST(NativeArgTypes, OneStrictConstantPerElementAndShape) {
     EXPECT_THROW(nativeStringArgType(3), std::out_of_range);  // its text: tests/badinput
 }
 
-// A getter over a fixed table, to see which index went where.
-const ArgType& fromTable(const std::vector<ArgType>& table, std::size_t index) { return table.at(index); }
+// Getters over fixed tables, to see which index went where.
 const std::vector<ArgType> kFirst = {scalar(kaINT8_CLASS), scalar(kaINT16_CLASS)};
 const std::vector<ArgType> kSecond = {scalar(kaUINT8_CLASS), scalar(kaUINT16_CLASS), scalar(kaUINT32_CLASS)};
-const ArgType& first(std::size_t i) { return fromTable(kFirst, i); }
-const ArgType& second(std::size_t i) { return fromTable(kSecond, i); }
-const ArgType& anyDoubleArray(std::size_t i) {
+const ArgType& first(std::size_t i) { return kFirst.at(i); }
+const ArgType& second(std::size_t i) { return kSecond.at(i); }
+const ArgType& doubleRow(std::size_t) {
     static const ArgType type = array(kaDOUBLE_CLASS, Shape::ROW, 1);
-    return i == 0 ? type : fromTable({}, i);
+    return type;
 }
+using builtinreg::ArgTypes;
+constexpr auto STRICT = SignatureTolerance::STRICT;
 
 TEST(GetArgTypes, CrossProductWithTheFirstParameterFastest) {
-    const builtinreg::ArgTypes types = getArgTypes(SignatureTolerance::STRICT, {2, 3}, {&first, &second}, nullptr);
+    const ArgTypes types = getArgTypes(STRICT, {2, 3}, {&first, &second}, nullptr);
     const std::vector<std::pair<std::size_t, std::size_t>> order = {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {0, 2}, {1, 2}};
     ASSERT_EQ(types.inputs.size(), order.size());
     for (std::size_t k = 0; k < order.size(); ++k) {
         EXPECT_EQ(types.inputs[k], (std::vector<ArgType>{kFirst[order[k].first], kSecond[order[k].second]}));
     }
     EXPECT_TRUE(types.outputs.empty());
-
-    const builtinreg::ArgTypes none = getArgTypes(SignatureTolerance::STRICT, {}, {}, &first);
+    const ArgTypes none = getArgTypes(STRICT, {}, {}, &first);
     EXPECT_EQ(none.inputs, (std::vector<std::vector<ArgType>>{{}}));
     EXPECT_EQ(none.outputs, (std::vector<ArgType>{kFirst[0]}));
+    EXPECT_THROW(getArgTypes(STRICT, {SIZE_MAX / 2, 3}, {&first, &second}, nullptr), std::length_error);
 
-    EXPECT_THROW(getArgTypes(SignatureTolerance::STRICT, {SIZE_MAX / 2, 3}, {&first, &second}, nullptr),
-                 std::length_error);
+    // The tolerance goes on copies of array types only.
+    const ArgTypes relaxed = getArgTypes(SignatureTolerance::RELAXED, {1, 1}, {&doubleRow, &first}, &doubleRow);
+    ASSERT_EQ(relaxed.inputs.size(), 1u);
+    EXPECT_EQ(std::get<KaArrayTypes>(relaxed.inputs[0][0]).tolerance, SignatureTolerance::RELAXED);
+    EXPECT_EQ(relaxed.inputs[0][1], kFirst[0]);
+    EXPECT_EQ(std::get<KaArrayTypes>(relaxed.outputs[0]).tolerance, SignatureTolerance::RELAXED);
+    EXPECT_EQ(std::get<KaArrayTypes>(doubleRow(0)).tolerance, STRICT);
+
+    std::ostringstream both, inputsOnly;
+    inputsOnly << getArgTypes(STRICT, {1, 1}, {&first, &second}, nullptr);
+    EXPECT_EQ(inputsOnly.str(), "outputs: nil\ninputs: [  [ int8, uint8 ]\n]\n");
+    both << getArgTypes(STRICT, {2}, {&first}, &second);
+    EXPECT_EQ(both.str(), "outputs: [ uint8 ]\ninputs: [  [ int8 ],\n  [ int16 ]\n]\n");
 }
 
-TEST(GetArgTypes, ToleranceGoesOnCopiesOfArrayTypesOnly) {
-    const builtinreg::ArgTypes types =
-        getArgTypes(SignatureTolerance::RELAXED, {1, 1}, {&anyDoubleArray, &first}, &anyDoubleArray);
-    ASSERT_EQ(types.inputs.size(), 1u);
-    EXPECT_EQ(std::get<KaArrayTypes>(types.inputs[0][0]).tolerance, SignatureTolerance::RELAXED);
-    EXPECT_EQ(types.inputs[0][1], kFirst[0]);
-    EXPECT_EQ(std::get<KaArrayTypes>(types.outputs[0]).tolerance, SignatureTolerance::RELAXED);
-    EXPECT_EQ(std::get<KaArrayTypes>(anyDoubleArray(0)).tolerance, SignatureTolerance::STRICT);
+TEST(DeclaringDeathTest, CountsMustMatch) {
+    const std::string at = "builtin2/interface/builtin/";
+    EXPECT_DEATH(getArgTypes(STRICT, {1, 1}, {&first}, nullptr),
+                 testsupport::fatalReport("numArgTypes.size() == getArgType.size()", at + "getArgTypes"));
+    assertNumberOfArgTypes(1, 2, 1, 2);
+    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 0, 2), testsupport::fatalReport("expectedNLhs == actualNLhs", at + "MakeVariant"));
+    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 1, 3), testsupport::fatalReport("expectedNRhs == actualNRhs", at + "MakeVariant"));
 }
 
-TEST(GetArgTypes, StreamForm) {
-    std::ostringstream both, none;
-    both << getArgTypes(SignatureTolerance::STRICT, {1, 1}, {&first, &second}, nullptr);
-    EXPECT_EQ(both.str(), "outputs: nil\ninputs: [  [ int8, uint8 ]\n]\n");
-    none << getArgTypes(SignatureTolerance::STRICT, {2}, {&first}, &second);
-    EXPECT_EQ(none.str(), "outputs: [ uint8 ]\ninputs: [  [ int8 ],\n  [ int16 ]\n]\n");
-}
-
-TEST(GetArgTypesDeathTest, ListsOfDifferentLengthsStop) {
-    EXPECT_DEATH(getArgTypes(SignatureTolerance::STRICT, {1, 1}, {&first}, nullptr),
-                 "numArgTypes.size\\(\\) == getArgType.size\\(\\)\n  at builtin2/interface/builtin/getArgTypes:");
-}
-
-void append(std::vector<BuiltinVariant>& variants, builtinreg::ArgTypes types, const FlagList& flags = {}) {
+void append(std::vector<BuiltinVariant>& variants, ArgTypes types, const FlagList& flags = {}) {
     appendNewVariants(variants, nullptr, V::CallsIntoKeldor::NO, V::HasSideEffects::NO, "native", "fn", "double",
                       flags, V::HasExceptions::NO, {&unusedEntry, nullptr, JIT_CALLING_CONVENTION::Direct},
                       V::IsElementWise::NO, V::HasWarnings::NO, std::move(types.outputs), std::move(types.inputs));
 }
 
-TEST(AppendNewVariants, DropsUnsupportedSignaturesAndSorts) {
+TEST(AppendNewVariants, DropsUnsupportedSignaturesSortsAndPlacesFlags) {
     std::vector<BuiltinVariant> variants;
     // The string getter without StringSupport: only its own signature goes.
-    append(variants, getArgTypes(SignatureTolerance::STRICT, {2, 3}, {&first, &nativeStringArgType}, nullptr));
+    append(variants, getArgTypes(STRICT, {2, 3}, {&first, &nativeStringArgType}, nullptr));
     ASSERT_EQ(variants.size(), 4u);
     EXPECT_TRUE(std::is_sorted(variants.begin(), variants.end()));
-    for (const BuiltinVariant& v : variants) {
-        EXPECT_FALSE(isUnsupportedBuiltinVariant(v));
-        EXPECT_EQ(v.inputTypes.size(), 2u);
-    }
-
+    for (const BuiltinVariant& v : variants) EXPECT_FALSE(isUnsupportedBuiltinVariant(v));
     std::vector<BuiltinVariant> unsupportedOutput;
-    append(unsupportedOutput, getArgTypes(SignatureTolerance::STRICT, {1}, {&first}, &nativeStringArgType));
+    append(unsupportedOutput, getArgTypes(STRICT, {1}, {&first}, &nativeStringArgType));
     EXPECT_TRUE(unsupportedOutput.empty());
-
     // No signatures: nothing added, what is there sorted all the same.
     std::vector<BuiltinVariant> unsorted = {makeVariant({.in = {scalar(), scalar()}}), makeVariant({.in = {scalar()}})};
     append(unsorted, {});
     ASSERT_EQ(unsorted.size(), 2u);
     EXPECT_EQ(unsorted[0].inputArgTypes.size(), 1u);
-}
 
-TEST(AppendNewVariants, FlagsGoInAtAscendingPositions) {
     FlagList flags = {{2, "y"}, {0, "x"}};
     sortFlags(flags);
-    std::vector<BuiltinVariant> variants;
-    append(variants, getArgTypes(SignatureTolerance::STRICT, {1, 1}, {&first, &second}, &first), flags);
-    ASSERT_EQ(variants.size(), 1u);
-    const BuiltinVariant& v = variants[0];
-    EXPECT_EQ(v.inputArgTypes, (std::vector<ArgType>{flag("x"), kFirst[0], flag("y"), kSecond[0]}));
-    ASSERT_EQ(v.inputTypes.size(), 4u);
-    EXPECT_EQ(v.inputTypes[0], "keldor_string<literal_flag<\"x\">>");
-    EXPECT_EQ(v.orroSupportLevel, OrroSupportLevel::EQUIVALENT_SUPPORT);
+    std::vector<BuiltinVariant> flagged;
+    append(flagged, getArgTypes(STRICT, {1, 1}, {&first, &second}, &first), flags);
+    ASSERT_EQ(flagged.size(), 1u);
+    EXPECT_EQ(flagged[0].inputArgTypes, (std::vector<ArgType>{flag("x"), kFirst[0], flag("y"), kSecond[0]}));
+    EXPECT_EQ(flagged[0].inputTypes.at(0), "keldor_string<literal_flag<\"x\">>");
+    EXPECT_EQ(flagged[0].orroSupportLevel, OrroSupportLevel::EQUIVALENT_SUPPORT);
 }
 
 TEST(MakeVariant, FindLastVariantWithSupportLevel) {
-    const std::vector<BuiltinVariant> levels = {makeVariant({.name = "a"}), makeVariant({.callsBack = V::CallsIntoKeldor::YES}),
-                                                makeVariant({.name = "c"})};
     using enum OrroSupportLevel;
+    const std::vector<BuiltinVariant> levels = {makeVariant({}), makeVariant({.callsBack = V::CallsIntoKeldor::YES}),
+                                                makeVariant({.name = "c"})};
     EXPECT_EQ(findLastVariantWithSupportLevel(levels, {EQUIVALENT_SUPPORT, ORRO_ONLY}), &levels[2]);
     EXPECT_EQ(findLastVariantWithSupportLevel(levels, {NO_SUPPORT}), &levels[1]);
     EXPECT_EQ(findLastVariantWithSupportLevel(levels, {}), nullptr);
     EXPECT_EQ(findLastVariantWithSupportLevel({}, {NO_SUPPORT}), nullptr);
-}
-
-TEST(MakeVariantDeathTest, NumberOfArgTypesMustMatch) {
-    assertNumberOfArgTypes(1, 2, 1, 2);
-    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 0, 2), "expectedNLhs == actualNLhs\n  at builtin2/interface/builtin/MakeVariant:");
-    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 1, 3), "expectedNRhs == actualNRhs\n  at builtin2/interface/builtin/MakeVariant:");
 }
 
 }  // namespace
