@@ -81,11 +81,7 @@ TEST(ArgTypeTest, CompatibilityMatrix) {
 }
 
 TEST(ArgTypeTest, AcceptableToOrroNeedsTheSameAlternative) {
-    const struct {
-        const char* what;
-        ArgType declared, candidate;
-        bool acceptable, toOrro;
-    } cases[] = {
+    const struct { const char* what; ArgType declared, candidate; bool acceptable, toOrro; } cases[] = {
         {"string takes flag", KeldorStringType(), FlagInputType(std::string("x")), true, false},
         {"object takes string", OrroObjectTypes(), KeldorStringType(), true, false},
         {"relaxed array takes scalar", openArray(kaUNKNOWN_CLASS, RELAXED_), realScalar(kaINT8_CLASS), true, false},
@@ -102,10 +98,7 @@ TEST(ArgTypeTest, AcceptableToOrroNeedsTheSameAlternative) {
 
 TEST(ArgTypeTest, SupportLevelsPerAlternative) {
     constexpr L EQ = L::EQUIVALENT_SUPPORT, NO = L::NO_SUPPORT;
-    const struct {
-        ArgType type;
-        L input, output;
-    } cases[] = {
+    const struct { ArgType type; L input, output; } cases[] = {
         {UnsupportedArgType(), NO, NO},
         {realScalar(kaDOUBLE_CLASS), EQ, EQ},
         {complexScalar(kaDOUBLE_CLASS), NO, NO},

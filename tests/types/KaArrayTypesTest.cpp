@@ -50,12 +50,7 @@ TEST(KaArrayTypesTest, ShapeLatticeRowByRow) {
     const std::pair<Shape, std::size_t> candidates[] = {
         {Shape::UNKNOWN, ANY_DIM}, {Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}, {Shape::EMPTY, 0}, {Shape::SCALAR, 0},
         {Shape::ROW, 1},           {Shape::COLUMN, 1},    {Shape::VECTOR, 1},    {Shape::TWO_D, 2}, {Shape::ND, 3}};
-    const struct {
-        const char* what;
-        Shape shape;
-        std::size_t dim;
-        const char *relaxedTakes, *strictTakes;
-    } rows[] = {
+    const struct { const char* what; Shape shape; std::size_t dim; const char *relaxedTakes, *strictTakes; } rows[] = {
         {"UNKNOWN", Shape::UNKNOWN, ANY_DIM, "1111111111", "1000000000"},
         {"EMPTY_ROW", Shape::EMPTY_ROW, 0, "0100000000", "0100000000"},
         {"EMPTY_COL", Shape::EMPTY_COL, 0, "0010000000", "0010000000"},
@@ -144,11 +139,7 @@ TEST(KaArrayTypesTest, PrecedenceLists) {
         all.insert(all.end(), tail.begin(), tail.end());
         return all;
     };
-    const struct {
-        Shape shape;
-        std::size_t dim;
-        std::vector<std::string> expected;
-    } cases[] = {
+    const struct { Shape shape; std::size_t dim; std::vector<std::string> expected; } cases[] = {
         {Shape::SCALAR, 0, {}},
         {Shape::EMPTY, 0, {"1:0", "2:0"}},
         {Shape::ROW, 1, {"1:0", "scalar"}},

@@ -17,10 +17,7 @@ TEST(OrderTest, PairsInAscendingOrder) {
     };
     const auto flag = [](std::u16string text) { return FlagInputType(std::move(text)); };
     const kaClassID c25 = classId(25), c26 = classId(26);
-    const struct {
-        const char* what;
-        ArgType lower, higher;
-    } cases[] = {
+    const struct { const char* what; ArgType lower, higher; } cases[] = {
         {"alternative: unsupported, flag", UnsupportedArgType(), flag(u"zzz")},
         {"alternative: flag, scalar", flag(u"\uffff"), realScalar(kaLOGICAL_CLASS)},
         {"alternative: scalar, string", complexScalar(kaUINT64_CLASS), KeldorStringType(StringShape::SCALAR)},

@@ -15,10 +15,7 @@ namespace {
 TEST(OrroObjectTypesTest, WildcardsInEquality) {
     const kaClassID c25 = classId(25);
     const OrroObjectTypes object(c25, 3, true);
-    const struct {
-        OrroObjectTypes other;
-        bool equal;
-    } cases[] = {
+    const struct { OrroObjectTypes other; bool equal; } cases[] = {
         {OrroObjectTypes(c25, 3, false), true},  // the flag is not looked at
         {OrroObjectTypes(kaUNKNOWN_CLASS, 3, false), true},
         {OrroObjectTypes(c25, SIZE_MAX, false), true},
@@ -45,10 +42,7 @@ TEST(KeldorStringTypeTest, RelationsBetweenShapes) {
     EXPECT_EQ(KeldorStringType(FlagInputType(std::u16string(u"x"))).getShape(), StringShape::SCALAR);
     const KeldorStringType scalar(StringShape::SCALAR);
     const KeldorStringType any(StringShape::ANY);
-    const struct {
-        KeldorStringType a, b;
-        bool equal, less, acceptable, compatible;
-    } cases[] = {
+    const struct { KeldorStringType a, b; bool equal, less, acceptable, compatible; } cases[] = {
         {scalar, scalar, true, true, true, true},  // equal shapes are "less" both ways
         {any, any, true, true, true, true},
         {scalar, any, false, true, false, true},

@@ -132,10 +132,7 @@ TEST(TypeExpressionTest, EveryAlternative) {
 }
 
 TEST(DiagnosticFormTest, EveryAlternative) {
-    const struct {
-        ArgType type;
-        const char* text;
-    } rows[] = {
+    const struct { ArgType type; const char* text; } rows[] = {
         {array(kaDOUBLE_CLASS, Shape::ND, 3), "KaArrayTypes: kaDOUBLE_CLASS 3D FULL NOT_COMPLEX STRICT"},
         {relaxed(KaArrayTypes(UnsupportedArgType())),
          "KaArrayTypes: kaUNKNOWN_CLASS Unknown Shape Unknown Density Unknown Complexity RELAXED"},

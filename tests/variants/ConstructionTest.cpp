@@ -45,11 +45,7 @@ TEST(NativeArgTypes, OneStrictConstantPerElementAndShape) {
     }
     EXPECT_EQ(distinct.size(), 155u);
 
-    const struct {
-        const char* name;
-        const ArgType& constant;
-        ArgType expected;
-    } rows[] = {
+    const struct { const char* name; const ArgType& constant; ArgType expected; } rows[] = {
         {"double", getNativeArgType<double, NS::SCALAR>(0), scalar()},
         {"complex double", getNativeArgType<std::complex<double>, NS::SCALAR>(0), scalar(kaDOUBLE_CLASS, true)},
         {"char16_t", getNativeArgType<char16_t, NS::SCALAR>(0), scalar(kaCHAR_CLASS)},

@@ -37,11 +37,7 @@ TEST(SearchLists, CleanupByRule) {
     // Two boxing variants of one source object, with equal boxed signatures.
     const BuiltinVariant box1 = named(boxingOf(source, boxedInt), "box 1", ORRO_ONLY);
     const BuiltinVariant box2 = named(box1, "box 2", ORRO_ONLY);
-    const struct {
-        const char* name;
-        std::vector<BuiltinVariant> variants;
-        Names all;
-    } cases[] = {
+    const struct { const char* name; std::vector<BuiltinVariant> variants; Names all; } cases[] = {
         {"an unsupported output goes, though the inputs are fine",
          {doubleVariant("fine"), makeVariant({.in = {scalar()}, .out = {UnsupportedArgType{}}, .name = "bad"})},
          {"fine"}},

@@ -44,12 +44,7 @@ TEST_F(VariantAcceptance, ElementWiseShapeTest) {
     const auto lifted = [](std::size_t inputs) {
         return makeVariant({.in = std::vector<ArgType>(inputs, scalar()), .elementWise = V::IsElementWise::YES});
     };
-    const struct {
-        const char* name;
-        BuiltinVariant variant;
-        std::vector<ka::Dims> shapes;
-        bool accepted;
-    } cases[] = {
+    const struct { const char* name; BuiltinVariant variant; std::vector<ka::Dims> shapes; bool accepted; } cases[] = {
         {"2x3 with 2x1", lifted(2), {{2, 3}, {2, 1}}, true},
         {"2x3 with 3x2", lifted(2), {{2, 3}, {3, 2}}, false},
         {"0x3 with 0x3", lifted(2), {{0, 3}, {0, 3}}, false},

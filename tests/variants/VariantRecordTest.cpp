@@ -16,11 +16,7 @@ constexpr auto YES = V::IsElementWise::YES;
 
 TEST(VariantRecord, SupportLevelFoldsFlagsAndTypes) {
     EXPECT_EQ(BuiltinVariant().orroSupportLevel, NO_SUPPORT);
-    const struct {
-        const char* name;
-        Declaration declaration;
-        OrroSupportLevel expected;
-    } cases[] = {
+    const struct { const char* name; Declaration declaration; OrroSupportLevel expected; } cases[] = {
         {"quiet scalar function", {.in = {scalar()}, .out = {scalar()}}, EQUIVALENT_SUPPORT},
         {"calls back", {.in = {scalar()}, .callsBack = V::CallsIntoKeldor::YES}, NO_SUPPORT},
         {"unsupported input", {.in = {scalar(), scalar(kaDOUBLE_CLASS, true)}}, NO_SUPPORT},
@@ -37,11 +33,7 @@ TEST(VariantRecord, SupportLevelFoldsFlagsAndTypes) {
 }
 
 TEST(VariantRecordDeathTest, ReportingMustGoWithCanThrow) {
-    const struct {
-        JIT_CALLING_CONVENTION convention;
-        V::HasWarnings warns;
-        V::HasExceptions throws;
-    } broken[] = {
+    const struct { JIT_CALLING_CONVENTION convention; V::HasWarnings warns; V::HasExceptions throws; } broken[] = {
         {CanThrow, V::HasWarnings::NO, V::HasExceptions::NO},
         {JIT_CALLING_CONVENTION::Direct, V::HasWarnings::NO, V::HasExceptions::YES},
         {JIT_CALLING_CONVENTION::DirectWithDescriptor, V::HasWarnings::YES, V::HasExceptions::NO},
