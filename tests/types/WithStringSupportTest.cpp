@@ -47,12 +47,10 @@ TEST_F(WithStringSupportTest, ConversionsAndRulesUseTheStringClass) {
     EXPECT_EQ(KaArrayTypes(flag), array(string, Shape::SCALAR, 0));
     EXPECT_EQ(KaArrayTypes(KeldorStringType(StringShape::SCALAR)), array(string, Shape::SCALAR, 0));
     EXPECT_EQ(KaArrayTypes(KeldorStringType()), openArray(string));
-
     EXPECT_TRUE(isAcceptable(relaxed(array(string, Shape::SCALAR, 0)), flag));
     EXPECT_FALSE(isAcceptable(relaxed(array(kaDOUBLE_CLASS, Shape::SCALAR, 0)), flag));
     EXPECT_FALSE(isAcceptable(array(string, Shape::SCALAR, 0), flag));  // strict
     EXPECT_TRUE(isCompatible(KeldorStringType(), openArray(string)));
-
     EXPECT_EQ(array(string, Shape::SCALAR, 0).getOrroSupportLevel(OUT), L::EQUIVALENT_SUPPORT);
     EXPECT_EQ(array(string, Shape::SCALAR, 0).getOrroSupportLevel(IN), L::NO_SUPPORT);
     EXPECT_EQ(array(classId(kStringClass + 1), Shape::SCALAR, 0).getOrroSupportLevel(OUT), L::NO_SUPPORT);

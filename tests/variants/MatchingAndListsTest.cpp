@@ -78,7 +78,6 @@ TEST_F(VariantAcceptance, CacheKeepsOnlyWhatWasReachedAndClassified) {
     kaArray_tag* args[] = {widget.get(), x.get(), nullptr};
     ClassificationCache cache;
     const VariantSignature signature(0, 3, args, &cache);
-
     // Refused at the first input: nothing behind it is classified. An instance of an unknown
     // class is unsupported and not kept, so it is asked about again.
     for (int round = 0; round < 2; ++round) {
@@ -120,7 +119,6 @@ TEST_F(VariantAcceptance, SignatureClassifiesAsTheCommonCore) {
         EXPECT_EQ(cache[0].converter, converter);
     }
 }
-
 
 using builtinreg::BuiltinVariantLists;
 using enum OrroSupportLevel;
@@ -212,7 +210,6 @@ TEST(SearchLists, DistributionByLevel) {
     EXPECT_EQ(names(lists.searchedByInvokeAfterOrroComplexScalarRhs), (Names{"complex", "none"}));
     EXPECT_EQ(lists.searchedByInvokeAfterOrroComplexScalarRhs[0].orroSupportLevel, NO_SUPPORT_SCALAR_COMPLEX);
     EXPECT_EQ(names(lists.searchedByInvokeNoOrro), (Names{"equivalent", "complex", "none"}));
-
     // Without an engine variant that takes a complex scalar the two lists after Orro are alike.
     const BuiltinVariantLists real({lists.all[0], lists.all[3]});
     EXPECT_EQ(names(real.searchedByInvokeAfterOrroComplexScalarRhs), names(real.searchedByInvokeAfterOrro));
