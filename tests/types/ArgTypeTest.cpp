@@ -35,8 +35,7 @@ void expectMatrix(const std::vector<MatrixRow>& rows, bool (*relation)(const Arg
 }
 
 TEST(ArgTypeTest, AcceptanceMatrix) {
-    expectMatrix(
-        {
+    expectMatrix({
             // Columns: U F N S P O A1 A2.
             {"unsupported", UnsupportedArgType(), "10000000"},
             {"flag on", FlagInputType(std::string("on")), "01000000"},
@@ -54,15 +53,13 @@ TEST(ArgTypeTest, AcceptanceMatrix) {
             {"strict double scalar", array(kaDOUBLE_CLASS, Shape::SCALAR, 0), "00000000"},
             {"relaxed double scalar", relaxed(array(kaDOUBLE_CLASS, Shape::SCALAR, 0)), "00100000"},
             // A relaxed array takes a flag as a scalar string.
-            {"relaxed open-element scalar", relaxed(array(kaUNKNOWN_CLASS, Shape::SCALAR, 0)),
-             "01110000"},
+            {"relaxed open-element scalar", relaxed(array(kaUNKNOWN_CLASS, Shape::SCALAR, 0)), "01110000"},
         },
         &isAcceptable);
 }
 
 TEST(ArgTypeTest, CompatibilityMatrix) {
-    expectMatrix(
-        {
+    expectMatrix({
             // Columns: U F N S P O A1 A2.
             {"unsupported", UnsupportedArgType(), "10000001"},
             {"flag on", FlagInputType(std::string("on")), "01000000"},
@@ -74,9 +71,7 @@ TEST(ArgTypeTest, CompatibilityMatrix) {
             {"other object", OrroObjectTypes(classId(26), 0, true), "00000000"},
             {"strict double row", array(kaDOUBLE_CLASS, Shape::ROW, 1), "00100010"},
             {"relaxed double 2-D", relaxed(array(kaDOUBLE_CLASS, Shape::TWO_D, 2)), "00100010"},
-            {"open array",
-             array(kaUNKNOWN_CLASS, Shape::SCALAR, 0, Density::UNKNOWN, Complexity::UNKNOWN),
-             "10000001"},
+            {"open array", array(kaUNKNOWN_CLASS, Shape::SCALAR, 0, Density::UNKNOWN, Complexity::UNKNOWN), "10000001"},
             {"array of class 25", openArray(classId(25)), "00001100"},
             {"open relaxed array", openArray(kaUNKNOWN_CLASS, RELAXED_), "10000001"},
         },
@@ -214,8 +209,7 @@ TEST(VocabularyTest, CombineStreamAndNumericClasses) {
     EXPECT_EQ(combine(L::NO_SUPPORT_SCALAR_COMPLEX, static_cast<L>(7)), L::NO_SUPPORT_SCALAR_COMPLEX);
     std::ostringstream os;
     for (int level = 0; level <= 4; ++level) os << static_cast<L>(level);
-    EXPECT_EQ(os.str(),
-              "OrroSupportLevel::EQUIVALENT_SUPPORT\nOrroSupportLevel::ORRO_ONLY\n"
+    EXPECT_EQ(os.str(), "OrroSupportLevel::EQUIVALENT_SUPPORT\nOrroSupportLevel::ORRO_ONLY\n"
               "OrroSupportLevel::NO_SUPPORT_SCALAR_COMPLEX\nOrroSupportLevel::NO_SUPPORT\n");
     for (std::int32_t number = -2; number <= 20; ++number) {
         const bool expected = number == 3 || number == 4 || (number >= 6 && number <= 15);

@@ -21,8 +21,7 @@ constexpr std::int32_t kStringClass = 42;
 class WithStringSupportTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        static const std::filesystem::path root =
-            std::filesystem::temp_directory_path() / "builtin-types-test-root";
+        static const std::filesystem::path root = std::filesystem::temp_directory_path() / "builtin-types-test-root";
         std::filesystem::create_directories(root);
         ::setenv("KELDOR_INSTALL_ROOT", root.c_str(), 1);
         foundation::cppmicroservices::createFramework();

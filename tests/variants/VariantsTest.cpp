@@ -90,19 +90,16 @@ TEST(VariantPrint, GoldenText) {
     const BuiltinVariant boxing = boxingOf(declared, makeVariant({.in = {anyArray(), flag("fast")}}));
     std::ostringstream text;
     text << std::boolalpha << declared << boxing;
-    const std::string head =
-        "==================================\nBuiltinVariant:\n c++ function name: native\n"
+    const std::string head = "==================================\nBuiltinVariant:\n c++ function name: native\n"
         "\t keldor function name: fn\n\t dominant class: double\n\t developer function pointer: ";
     const std::string flags =
         "\n\t Flags:\n\t\t mayCallIntoKeldor: 0\n\t\t mayRaiseWarnings: 0\n\t\t mayThrowErrors: 0\n"
         "\t\t mayHaveSideEffects: 0\n\t OrroSupportLevel: OrroSupportLevel::EQUIVALENT_SUPPORT\n";
     const std::string rule = "==================================\n";
-    EXPECT_EQ(text.str(),
-              head + "0x1234" + flags +
+    EXPECT_EQ(text.str(), head + "0x1234" + flags +
                   "\n\t Input types: [double], [keldor_string<literal_flag<\"fast\">>]\n"
                   "\t Output types: [double]\n" + rule +
-              head + "0" + flags +
-                  "\n\t Input types: [kaArray_of<double,$Shape0,ka_full,$Complexity0>], "
+              head + "0" + flags + "\n\t Input types: [kaArray_of<double,$Shape0,ka_full,$Complexity0>], "
                   "[keldor_string<literal_flag<\"fast\">>]\n\t Output types: NULL\n"
                   "\t Original Output types: [double]\n\t Original developer function pointer: 0x1234\n" +
                   rule);
