@@ -1,6 +1,5 @@
-// A process without the StringSupport service (no framework at all): the string class id is
-// unknown, nothing stops the process, and string conversions come out with an open element.
-// Its own executable, since the service holders are filled once per process.
+// Without StringSupport (own process: holders fill once): the string class id is unknown and
+// not kept, string conversions give an open element, and matching goes on.
 #include <gtest/gtest.h>
 
 #include <builtin/services/BuiltinServices.hpp>
@@ -11,15 +10,12 @@
 namespace typestest {
 namespace {
 
-TEST(NoStringSupportTest, StringClassIdIsUnknownAndNotKept) {
+TEST(NoStringSupportTest, OpenStringClass) {
     ASSERT_EQ(Norvane::builtin::getHeldService<Norvane::builtin::StringSupport>(), nullptr);
     for (int call = 0; call < 2; ++call) {
         EXPECT_EQ(KeldorStringType::getZobjClassId(), kaUNKNOWN_CLASS);
         EXPECT_FALSE(detail::getKnownStringClassId().has_value());
     }
-}
-
-TEST(NoStringSupportTest, ConversionsGiveAnOpenElementAndMatchingGoesOn) {
     const FlagInputType flag(std::string("on"));
     EXPECT_EQ(KaArrayTypes(flag), array(kaUNKNOWN_CLASS, Shape::SCALAR, 0));
     EXPECT_EQ(KaArrayTypes(KeldorStringType()), openArray());
@@ -31,9 +27,7 @@ TEST(NoStringSupportTest, ConversionsGiveAnOpenElementAndMatchingGoesOn) {
     EXPECT_TRUE(isAcceptable(openArray(kaUNKNOWN_CLASS, RELAXED_), flag));
     EXPECT_EQ(asElementWiseArrayType(flag), ArgType(flag));
     for (const std::int32_t element : {18, 19, 42}) {
-        EXPECT_EQ(array(classId(element), Shape::SCALAR, 0).getOrroSupportLevel(OUT),
-                  L::NO_SUPPORT)
-            << element;
+        EXPECT_EQ(array(classId(element), Shape::SCALAR, 0).getOrroSupportLevel(OUT), L::NO_SUPPORT) << element;
     }
 }
 

@@ -11,14 +11,11 @@
 namespace typestest {
 
 using namespace Norvane::builtin::types;
-
 using Shape = KaArrayTypes::Shape;
 using Density = KaArrayTypes::Density;
 using Complexity = KaArrayTypes::Complexity;
-using ScalarComplexity = NumericScalarTypes::Complexity;
 using StringShape = KeldorStringType::Shape;
 using L = OrroSupportLevel;
-
 constexpr auto IN = ArgTypeDirection::INPUT;
 constexpr auto OUT = ArgTypeDirection::OUTPUT;
 constexpr auto STRICT_ = SignatureTolerance::STRICT;
@@ -26,11 +23,8 @@ constexpr auto RELAXED_ = SignatureTolerance::RELAXED;
 constexpr std::size_t ANY_DIM = SIZE_MAX;
 
 inline kaClassID classId(std::int32_t number) { return static_cast<kaClassID>(number); }
-
-inline KaArrayTypes array(kaClassID element, Shape shape, std::size_t dim,
-                          Density density = Density::FULL,
-                          Complexity complexity = Complexity::NOT_COMPLEX,
-                          SignatureTolerance tolerance = STRICT_) {
+inline KaArrayTypes array(kaClassID element, Shape shape, std::size_t dim, Density density = Density::FULL,
+                          Complexity complexity = Complexity::NOT_COMPLEX, SignatureTolerance tolerance = STRICT_) {
     KaArrayTypes type(element, shape, density, complexity, dim);
     type.setSignatureTolerance(tolerance);
     return type;
@@ -40,16 +34,10 @@ inline KaArrayTypes relaxed(KaArrayTypes type) {
     return type;
 }
 // Open in every property; relaxed, it is the most permissive declared array.
-inline KaArrayTypes openArray(kaClassID element = kaUNKNOWN_CLASS,
-                              SignatureTolerance tolerance = STRICT_) {
-    return array(element, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN,
-                 tolerance);
+inline KaArrayTypes openArray(kaClassID element = kaUNKNOWN_CLASS, SignatureTolerance tolerance = STRICT_) {
+    return array(element, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN, tolerance);
 }
-inline NumericScalarTypes realScalar(kaClassID element) {
-    return NumericScalarTypes(element, ScalarComplexity::REAL);
-}
-inline NumericScalarTypes complexScalar(kaClassID element) {
-    return NumericScalarTypes(element, ScalarComplexity::COMPLEX);
-}
+inline NumericScalarTypes realScalar(kaClassID e) { return {e, NumericScalarTypes::Complexity::REAL}; }
+inline NumericScalarTypes complexScalar(kaClassID e) { return {e, NumericScalarTypes::Complexity::COMPLEX}; }
 
 }  // namespace typestest

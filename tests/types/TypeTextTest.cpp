@@ -10,38 +10,29 @@
 namespace typestest {
 namespace {
 
-// The element names are shared with the numeric scalars, which print nothing for other classes.
 TEST(TypeExpressionTest, ElementsInTheClosedFormAndAsScalars) {
     const std::pair<std::int32_t, const char*> elements[] = {
-        {3, "boolean"}, {4, "kaChar"},  {6, "double"},  {7, "single"},   {8, "int8"},
-        {9, "uint8"},   {10, "int16"},  {11, "uint16"}, {12, "int32"},   {13, "uint32"},
-        {14, "int64"},  {15, "uint64"}, {1, "kaArray"}, {2, "kaArray"},  {5, "kaArray"},
-        {18, "kaArray"}, {16, ""},      {-2, ""},
+        {3, "boolean"}, {4, "kaChar"},  {6, "double"},  {7, "single"},   {8, "int8"},    {9, "uint8"},
+        {10, "int16"},  {11, "uint16"}, {12, "int32"},  {13, "uint32"},  {14, "int64"},  {15, "uint64"},
+        {1, "kaArray"}, {2, "kaArray"}, {5, "kaArray"}, {18, "kaArray"}, {16, ""},       {-2, ""},
     };
     for (const auto& [element, name] : elements) {
-        const std::string attribute = element == 1 ? "ka_cell" : element == 2 ? "ka_struct"
-                                                                               : "ka_full";
-        const std::string text =
-            std::string("kaArray_of<") + name + ",ka_2d_array," + attribute + ",false>";
-        const KaArrayTypes type = array(classId(element), Shape::TWO_D, 2);
-        EXPECT_EQ(type.toString(IN, 7), text);
-        EXPECT_EQ(type.toString(OUT, 7), text);
+        const std::string attribute = element == 1 ? "ka_cell" : element == 2 ? "ka_struct" : "ka_full";
+        const std::string text = std::string("kaArray_of<") + name + ",ka_2d_array," + attribute + ",false>";
+        EXPECT_EQ(array(classId(element), Shape::TWO_D, 2).toString(IN, 7), text);
+        EXPECT_EQ(array(classId(element), Shape::TWO_D, 2).toString(OUT, 7), text);
+        // The numeric scalars share the names and print nothing for other classes.
         const bool numeric = element >= 3 && element <= 15 && element != 5;
-        const std::string complexName =
-            element == 6 || element == 7 ? std::string("complex_") + name : numeric ? name : "";
         EXPECT_EQ(realScalar(classId(element)).toString(), numeric ? name : "");
-        EXPECT_EQ(complexScalar(classId(element)).toString(), complexName);
+        EXPECT_EQ(complexScalar(classId(element)).toString(),
+                  element == 6 || element == 7 ? std::string("complex_") + name : numeric ? name : "");
     }
 }
 
 TEST(TypeExpressionTest, ShapesStrictAndRelaxed) {
-    const struct {
-        Shape shape;
-        std::size_t dim;
-        SignatureTolerance tolerance;
-        const char* shapeText;  // inside "kaArray_of<double,...,ka_full,false>"
-        bool outputSame;        // else the output is "kaArray"
-    } rows[] = {
+    // The shape's text inside "kaArray_of<double,...,ka_full,false>"; unless marked, the output is "kaArray".
+    const struct { Shape shape; std::size_t dim; SignatureTolerance tolerance; const char* shapeText; bool outputSame; }
+        rows[] = {
         {Shape::UNKNOWN, ANY_DIM, STRICT_, "", true},
         {Shape::EMPTY_ROW, 0, STRICT_, "ka_empty<vector<row>, false>", true},
         {Shape::EMPTY_COL, 0, STRICT_, "ka_empty<vector<column>, false>", true},
@@ -59,27 +50,20 @@ TEST(TypeExpressionTest, ShapesStrictAndRelaxed) {
         {Shape::COLUMN, 1, RELAXED_, "$Shape2:B2IsShapeColumnVector", false},
         {Shape::TWO_D, 2, RELAXED_, "$Shape2:B2IsShape2d", false},
         {Shape::ND, 3, RELAXED_, "$Shape2:B2IsShape3d", false},
-        {Shape::ND, 4, RELAXED_, "$Shape2:B2IsShape4d", false},
         {Shape::ND, 5, RELAXED_, "ka_nd_array<5>", true},
         {Shape::ND, ANY_DIM, RELAXED_, "$Shape2", false},
     };
     for (const auto& row : rows) {
-        const KaArrayTypes type = array(kaDOUBLE_CLASS, row.shape, row.dim, Density::FULL,
-                                        Complexity::NOT_COMPLEX, row.tolerance);
-        SCOPED_TRACE(testing::Message() << type);
+        const KaArrayTypes type = array(kaDOUBLE_CLASS, row.shape, row.dim, Density::FULL, Complexity::NOT_COMPLEX,
+                                        row.tolerance);
         const std::string input = std::string("kaArray_of<double,") + row.shapeText + ",ka_full,false>";
-        EXPECT_EQ(type.toString(IN, 2), input);
-        EXPECT_EQ(type.toString(OUT, 2), row.outputSame ? input : "kaArray");
+        EXPECT_EQ(type.toString(IN, 2), input) << type;
+        EXPECT_EQ(type.toString(OUT, 2), row.outputSame ? input : "kaArray") << type;
     }
 }
 
 TEST(TypeExpressionTest, EveryAlternative) {
-    const struct {
-        ArgType type;
-        std::size_t index;
-        const char* input;
-        const char* output;  // "=": the same as the input
-    } rows[] = {
+    const struct { ArgType type; std::size_t index; const char *input, *output; } rows[] = {  // "=": as the input
         // Opaque elements and classes of the class system leave the whole array open.
         {array(kaOPAQUE_CLASS, Shape::TWO_D, 2), 3, "kaArray_of<$a3,$b3,$c3,$d3>", "kaArray"},
         {relaxed(array(classId(19), Shape::SCALAR, 0)), 12, "kaArray_of<$a12,$b12,$c12,$d12>", "kaArray"},
@@ -90,8 +74,6 @@ TEST(TypeExpressionTest, EveryAlternative) {
          "kaArray_of<double,$Shape1,ka_sparse,false>", "kaArray"},
         {array(kaLOGICAL_CLASS, Shape::TWO_D, 2, Density::UNKNOWN), 1,
          "kaArray_of<boolean,ka_2d_array,$Attribute1,false>", "kaArray"},
-        {array(kaSINGLE_CLASS, Shape::ROW, 1, static_cast<Density>(7)), 1,
-         "kaArray_of<single,vector<row>,,false>", "="},
         {array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::FULL, Complexity::COMPLEX), 1,
          "kaArray_of<double,ka_2d_array,ka_full,true>", "="},
         {array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::FULL, Complexity::UNKNOWN), 1,
@@ -100,7 +82,6 @@ TEST(TypeExpressionTest, EveryAlternative) {
         {array(kaSINGLE_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::COMPLEX), 4,
          "kaArray_of<single,ka_scalar,ka_full,true>", "kaArray"},
         {array(kaCELL_CLASS, Shape::SCALAR, 0), 0, "kaArray_of<kaArray,ka_scalar,ka_cell,false>", "="},
-        {array(kaFUNCTION_CLASS, Shape::SCALAR, 0), 0, "kaArray_of<,ka_scalar,ka_full,false>", "="},
         // Cells and structs ignore the density.
         {array(kaCELL_CLASS, Shape::TWO_D, 2, Density::UNKNOWN, Complexity::UNKNOWN), 6,
          "kaArray_of<kaArray,ka_2d_array,ka_cell,$Complexity6>", "kaArray"},
@@ -125,39 +106,34 @@ TEST(TypeExpressionTest, EveryAlternative) {
         {OrroObjectPlaceTypes(classId(25), SIZE_MAX), 4, "orro_object_place<25,$variantid4>", "orro_object_place"},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.input);
         EXPECT_EQ(toString(row.type, IN, row.index), row.input);
-        EXPECT_EQ(toString(row.type, OUT, row.index), std::string(row.output) == "=" ? row.input : row.output);
+        EXPECT_EQ(toString(row.type, OUT, row.index), std::string(row.output) == "=" ? row.input : row.output)
+            << row.input;
     }
 }
 
-TEST(DiagnosticFormTest, EveryAlternative) {
-    const struct {
-        ArgType type;
-        const char* text;
-    } rows[] = {
-        {array(kaDOUBLE_CLASS, Shape::ND, 3), "KaArrayTypes: kaDOUBLE_CLASS 3D FULL NOT_COMPLEX STRICT"},
+// The diagnostic form of an array (the other alternatives print their input expression).
+TEST(DiagnosticFormTest, Arrays) {
+    const std::pair<KaArrayTypes, const char*> rows[] = {
+        {array(kaDOUBLE_CLASS, Shape::ND, 3), "kaDOUBLE_CLASS 3D FULL NOT_COMPLEX STRICT"},
         {relaxed(KaArrayTypes(UnsupportedArgType())),
-         "KaArrayTypes: kaUNKNOWN_CLASS Unknown Shape Unknown Density Unknown Complexity RELAXED"},
+         "kaUNKNOWN_CLASS Unknown Shape Unknown Density Unknown Complexity RELAXED"},
         {array(kaOPAQUE_CLASS, Shape::EMPTY_ROW, 0, Density::SPARSE, Complexity::COMPLEX),
-         "KaArrayTypes: kaOPAQUE_CLASS EMPTY_ROW SPARSE COMPLEX STRICT"},
-        {array(classId(25), Shape::VECTOR, 1), "KaArrayTypes: kaOBJECT_CLASS(25) VECTOR FULL NOT_COMPLEX STRICT"},
-        {array(classId(-3), Shape::EMPTY, 0), "KaArrayTypes: ?-3? EMPTY FULL NOT_COMPLEX STRICT"},
+         "kaOPAQUE_CLASS EMPTY_ROW SPARSE COMPLEX STRICT"},
+        {array(classId(25), Shape::VECTOR, 1), "kaOBJECT_CLASS(25) VECTOR FULL NOT_COMPLEX STRICT"},
+        {array(classId(-3), Shape::EMPTY, 0), "?-3? EMPTY FULL NOT_COMPLEX STRICT"},
         {array(kaCELL_CLASS, static_cast<Shape>(42), 0, static_cast<Density>(9), static_cast<Complexity>(9),
                static_cast<SignatureTolerance>(9)),
-         "KaArrayTypes: kaCELL_CLASS    "},
-        {UnsupportedArgType(), ""},
-        {FlagInputType(std::string()), "keldor_string<literal_flag<\"\">>"},
-        {complexScalar(kaDOUBLE_CLASS), "complex_double"},
-        {KeldorStringType(), "keldor_string<$flag_idx0>"},
-        {OrroObjectTypes(classId(25), 3, true), "orro_object<25,3, true,$subType0>"},
-        {OrroObjectPlaceTypes(), "orro_object_place<$classid0,$variantid0>"},
+         "kaCELL_CLASS    "},
     };
-    for (const auto& row : rows) {
+    for (const auto& [type, text] : rows) {
         std::ostringstream os;
-        os << row.type;
-        EXPECT_EQ(os.str(), row.text);
+        os << ArgType(type);
+        EXPECT_EQ(os.str(), std::string("KaArrayTypes: ") + text);
     }
+    std::ostringstream os;
+    os << ArgType(OrroObjectTypes(classId(25), 3, true)) << ArgType(UnsupportedArgType());
+    EXPECT_EQ(os.str(), "orro_object<25,3, true,$subType0>");
 }
 
 }  // namespace

@@ -1,31 +1,110 @@
-// The search lists of a builtin: cleanup by rule, distribution by level, their log, and what a
-// call through invoke then finds.
+// A variant against a live call of real arrays (count rules, the element-wise retry and its
+// shape test, what the signature's cache keeps), and the search lists of a builtin (cleanup by
+// rule, distribution by level, their log). How invoke picks among the lists is tests/invoke's.
 #include <gtest/gtest.h>
 
+#include <ka/ka.hpp>
 #include <foundation/log/test/memory_sink.hpp>
 
+#include <builtin/types/classifyKaArray.hpp>
 #include <builtin/variants/BuiltinVariantLists.hpp>
+#include <builtin/variants/VariantSignature.hpp>
 
 #include "../invoke/InvokeSupport.hpp"
+#include "live_arrays.hpp"
 
 namespace invoketest {
 namespace {
 
+class VariantAcceptance : public testsupport::LiveArrayTest {};
+
+bool accepts(const BuiltinVariant& variant, std::size_t nlhs, std::vector<kaArray_tag*> args) {
+    ClassificationCache cache;
+    return variant == VariantSignature(nlhs, args.size(), args.data(), &cache);
+}
+
+TEST_F(VariantAcceptance, CountsOfInputsAndOutputs) {
+    const ka::ArrayPtr x = ka::scalar(2.0);
+    EXPECT_TRUE(accepts(makeVariant({}), 0, {}));
+    EXPECT_TRUE(accepts(makeVariant({.out = {scalar()}}), 0, {}));  // one output for none asked
+    EXPECT_FALSE(accepts(makeVariant({.out = {scalar(), scalar()}}), 0, {}));
+    EXPECT_FALSE(accepts(makeVariant({.in = {scalar()}}), 0, {x.get(), x.get()}));
+}
+
+TEST_F(VariantAcceptance, ElementWiseShapeTest) {
+    const auto lifted = [](std::size_t inputs) {
+        return makeVariant({.in = std::vector<ArgType>(inputs, scalar()), .elementWise = V::IsElementWise::YES});
+    };
+    const struct { const char* name; BuiltinVariant variant; std::vector<ka::Dims> shapes; bool accepted; } cases[] = {
+        {"2x3 with 2x1", lifted(2), {{2, 3}, {2, 1}}, true},
+        {"2x3 with 3x2", lifted(2), {{2, 3}, {3, 2}}, false},
+        {"0x3 with 0x3", lifted(2), {{0, 3}, {0, 3}}, false},
+        {"2x3 with 2x3x4: third not compared", lifted(2), {{2, 3}, {2, 3, 4}}, true},
+        {"2x3x4 with 2x3x5", lifted(2), {{2, 3, 4}, {2, 3, 5}}, false},
+        {"one empty array", lifted(1), {{0, 3}}, true},
+        {"three arrays", lifted(3), {{2, 2}, {2, 2}, {2, 2}}, false},
+        {"flag between two arrays that disagree",
+         makeVariant({.in = {scalar(), flag("x"), scalar()}, .elementWise = V::IsElementWise::YES}),
+         {{2, 3}, {1, 1}, {3, 2}}, false},
+        {"not element-wise", makeVariant({.in = {scalar()}}), {{2, 3}}, false},
+    };
+    for (const auto& c : cases) {
+        std::vector<ka::ArrayPtr> arrays;
+        std::vector<kaArray_tag*> args;
+        for (const ka::Dims& d : c.shapes) args.push_back(arrays.emplace_back(ka::createNumeric(kaDOUBLE_CLASS, d)).get());
+        EXPECT_EQ(accepts(c.variant, 0, args), c.accepted) << c.name;
+    }
+}
+
+TEST_F(VariantAcceptance, CacheKeepsOnlyWhatWasReachedAndClassified) {
+    const ka::ArrayPtr x = ka::scalar(1.0);
+    const ka::ArrayPtr widget = ka::createObject(static_cast<kaClassID>(50), "Widget", std::make_shared<int>(1));
+    kaArray_tag* args[] = {widget.get(), x.get(), nullptr};
+    ClassificationCache cache;
+    const VariantSignature signature(0, 3, args, &cache);
+    // Refused at the first input: nothing behind it is classified. An instance of an unknown
+    // class is unsupported and not kept, so it is asked about again.
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_FALSE(makeVariant({.in = {anyArray(kaUNKNOWN_CLASS), scalar(), scalar()}}) == signature);
+        ASSERT_EQ(cache.size(), 1u);
+        EXPECT_EQ(cache[0].converter, nullptr);
+    }
+    EXPECT_EQ(signature.getArgType(1), scalar());
+    EXPECT_NE(cache[1].converter, nullptr);
+    // A null argument is unsupported and passes on as null.
+    EXPECT_EQ(signature.getArgType(2).index(), 0u);
+    EXPECT_EQ(boost::get<kaArray_tag*>(signature.toParameter(2, nullptr)), nullptr);
+    // An unknown instance handed on anyway comes with a reference of its own.
+    const Parameter passed = signature.toParameter(0, nullptr);
+    EXPECT_EQ(widget->refCount, 2u);
+    matrix::releaseReference(boost::get<kaArray_tag*>(passed));
+}
+
+// The signature answers plain scalars without the general classification; whatever the way, it
+// must agree with classifyKaArray on the type and the converter.
+TEST_F(VariantAcceptance, SignatureClassifiesAsTheCommonCore) {
+    const ka::ArrayPtr arrays[] = {
+        ka::scalar(2.0), ka::scalar(true), ka::scalar(u'x'), ka::scalar<std::uint64_t>(7),
+        ka::scalar(std::complex<double>(1, 2)), ka::createNumeric(kaINT8_CLASS, {1, 1}, kaCOMPLEX),
+        ka::createSparse(kaDOUBLE_CLASS, 1, 1, {}), ka::createNumeric(kaDOUBLE_CLASS, {1, 1, 2}),
+        ka::createNumeric(kaDOUBLE_CLASS, {1, 0}), ka::row({1.0, 2.0}), ka::createCell({1, 1}),
+    };
+    for (const ka::ArrayPtr& array : arrays) {
+        kaArray_tag* args[] = {array.get()};
+        ClassificationCache cache;
+        const VariantSignature signature(0, 1, args, &cache);
+        const auto [type, converter] = types::classifyKaArray(array.get());
+        EXPECT_EQ(signature.getArgType(0), type) << array->storedClass;
+        EXPECT_EQ(cache[0].converter, converter) << array->storedClass;
+    }
+}
+
 using builtinreg::BuiltinVariantLists;
 using enum OrroSupportLevel;
 
-class ListsFcn final : public BuiltinFcn {
-public:
-    ListsFcn(const BuiltinVariantLists& lists, BuiltinVariant defaultImpl)
-        : BuiltinFcn("listsfcn", capabilities::CapabilityList(0), lists, std::move(defaultImpl), nullptr) {}
-    void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
-        invoke(nlhs, plhs, nrhs, prhs, Consider::InvokeNoOrro);
-    }
-    BuiltinFcn* clone() const override { return new ListsFcn(*this); }
-};
-
-std::vector<std::string> names(const std::vector<BuiltinVariant>& list) {
-    std::vector<std::string> result;
+using Names = std::vector<std::string>;
+Names names(const std::vector<BuiltinVariant>& list) {
+    Names result;
     for (const BuiltinVariant& v : list) result.push_back(v.cppFunctionName);
     return result;
 }
@@ -36,8 +115,6 @@ BuiltinVariant named(BuiltinVariant variant, const char* name, OrroSupportLevel 
     return variant;
 }
 
-using Names = std::vector<std::string>;
-
 TEST(SearchLists, CleanupByRule) {
     const BuiltinVariant source = doubleVariant("source", {scalar(kaSINGLE_CLASS)});
     const BuiltinVariant otherSource = doubleVariant("other source", {anyArray()});
@@ -47,21 +124,15 @@ TEST(SearchLists, CleanupByRule) {
     // Two boxing variants of one source object, with equal boxed signatures.
     const BuiltinVariant box1 = named(boxingOf(source, boxedInt), "box 1", ORRO_ONLY);
     const BuiltinVariant box2 = named(box1, "box 2", ORRO_ONLY);
-    const struct {
-        const char* name;
-        std::vector<BuiltinVariant> variants;
-        Names all;
-    } cases[] = {
+    const struct { const char* name; std::vector<BuiltinVariant> variants; Names all; } cases[] = {
         {"an unsupported output goes, though the inputs are fine",
          {doubleVariant("fine"), makeVariant({.in = {scalar()}, .out = {UnsupportedArgType{}}, .name = "bad"})},
          {"fine"}},
-        {"equal declared variants both stay",
-         {doubleVariant("first"), doubleVariant("second")}, {"first", "second"}},
+        {"equal declared variants both stay", {doubleVariant("first"), doubleVariant("second")}, {"first", "second"}},
         {"a boxing variant behind an equal declared one is unreachable",
          {doubleVariant("declared"), named(boxingOf(source, boxed), "boxed", ORRO_ONLY), source},
          {"declared", "source"}},
-        {"two boxing variants of one source both stay",
-         {box1, source, box2}, {"source", "box 1", "box 2"}},
+        {"two boxing variants of one source both stay", {box1, source, box2}, {"source", "box 1", "box 2"}},
         {"of two sources, the first in the order stays",
          {source, otherSource, named(boxingOf(source, boxedInt), "box of source", ORRO_ONLY),
           named(boxingOf(otherSource, boxedInt), "box of other", ORRO_ONLY)},
@@ -73,19 +144,16 @@ TEST(SearchLists, CleanupByRule) {
         {"nothing", {}, {}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        std::vector<BuiltinVariant> variants = c.variants;
-        Names all = names(BuiltinVariantLists(std::move(variants)).all);
+        Names all = names(BuiltinVariantLists(std::vector<BuiltinVariant>(c.variants)).all);
         EXPECT_TRUE(std::is_permutation(all.begin(), all.end(), c.all.begin(), c.all.end()))
-            << ::testing::PrintToString(all);
+            << c.name << ": " << ::testing::PrintToString(all);
     }
 }
 
 // A NO_SUPPORT variant lowers the variants behind it of the same input count that would take
 // its inputs, and those lower others in turn; the output count does not matter.
 TEST(SearchLists, ShadowingLowersAndChains) {
-    KaArrayTypes strictRow(kaDOUBLE_CLASS, Shape::ROW, KaArrayTypes::Density::FULL,
-                           KaArrayTypes::Complexity::NOT_COMPLEX, 1);
+    KaArrayTypes strictRow(kaDOUBLE_CLASS, Shape::ROW, KaArrayTypes::Density::FULL, KaArrayTypes::Complexity::NOT_COMPLEX);
     KaArrayTypes openRow = strictRow;  // takes a row of any element
     openRow.element = kaUNKNOWN_CLASS;
     KaArrayTypes openStrictRow = openRow;  // takes only rows of open element
@@ -117,54 +185,10 @@ TEST(SearchLists, DistributionByLevel) {
     EXPECT_EQ(names(lists.searchedByInvokeAfterOrroComplexScalarRhs), (Names{"complex", "none"}));
     EXPECT_EQ(lists.searchedByInvokeAfterOrroComplexScalarRhs[0].orroSupportLevel, NO_SUPPORT_SCALAR_COMPLEX);
     EXPECT_EQ(names(lists.searchedByInvokeNoOrro), (Names{"equivalent", "complex", "none"}));
-
     // Without an engine variant that takes a complex scalar the two lists after Orro are alike.
-    const BuiltinVariantLists real({named(doubleVariant("equivalent"), "equivalent", EQUIVALENT_SUPPORT),
-                                    named(doubleVariant("none", {scalar(kaINT8_CLASS)}), "none", NO_SUPPORT)});
-    EXPECT_EQ(real.searchedByInvokeAfterOrroComplexScalarRhs.size(), real.searchedByInvokeAfterOrro.size());
-
-    const BuiltinVariantLists spans(BuiltinVariantLists::concatenateVariantSpans({lists.all, real.all}));
-    EXPECT_EQ(spans.all.size(), 6u) << "equal declared variants all stay";
-    EXPECT_TRUE(BuiltinVariantLists::concatenateVariantSpans({}).empty());
-}
-
-class SearchListsCall : public ::testing::Test {
-protected:
-    void SetUp() override { seen = {}; }
-    std::vector<std::string> callWith(const BuiltinFcn& fcn, kaArray_tag* argument, Consider consider) {
-        seen.ran.clear();
-        kaArray_tag* plhs[1] = {nullptr};
-        fcn.invoke(1, plhs, 1, &argument, consider);
-        matrix::releaseReference(plhs[0]);
-        return seen.ran;
-    }
-};
-
-TEST_F(SearchListsCall, InvokeFindsWhatItsListsHold) {
-    const BuiltinVariant declared =
-        nativeVariant<double, kaArray_tag*>("declared", {anyArray(kaSINGLE_CLASS)}, {scalar()}, &ofArray);
-    const BuiltinVariant complex = makeVariant(
-        {.in = {scalar(kaDOUBLE_CLASS, true)}, .out = {scalar()}, .typedEntry = &recordingEntry, .name = "complex"});
-    const BuiltinVariantLists lists({
-        doubleVariant("first"), doubleVariant("second"),
-        named(boxingOf(declared, doubleVariant("boxed", {scalar(kaSINGLE_CLASS)})), "boxed", ORRO_ONLY),
-        declared,
-        named(complex, "complex", NO_SUPPORT_SCALAR_COMPLEX),
-    });
-    const ListsFcn fcn(lists, defaultVariant());
-    const ka::ArrayPtr x = ka::scalar(2.0), single = ka::scalar(2.0f);
-    const ka::ArrayPtr z = ka::createFrom<std::complex<double>>({1, 1}, std::vector<std::complex<double>>{{1, 2}});
-    EXPECT_EQ(callWith(fcn, x.get(), Consider::InvokeNoOrro), Names{"first"});
-    EXPECT_EQ(callWith(fcn, single.get(), Consider::InvokeNoOrro), Names{"declared"}) << "never the boxing variant";
-    EXPECT_EQ(callWith(fcn, single.get(), Consider::InvokeAfterOrro), Names{"default"});
-    EXPECT_EQ(callWith(fcn, z.get(), Consider::InvokeAfterOrro), Names{"complex"}) << "the copy";
-    EXPECT_EQ(callWith(fcn, z.get(), Consider::InvokeNoOrro), Names{"complex"});
-
-    const BuiltinVariantLists empty(std::vector<BuiltinVariant>{});
-    const ListsFcn none(empty, defaultVariant());
-    EXPECT_EQ(none.getAllVariants(), VariantArray(nullptr, 0));
-    EXPECT_EQ(none.variants, nullptr);
-    EXPECT_EQ(callWith(none, x.get(), Consider::InvokeAfterOrro), Names{"default"});
+    const BuiltinVariantLists real({lists.all[0], lists.all[3]});
+    EXPECT_EQ(names(real.searchedByInvokeAfterOrroComplexScalarRhs), names(real.searchedByInvokeAfterOrro));
+    EXPECT_EQ(BuiltinVariantLists(BuiltinVariantLists::concatenateVariantSpans({lists.all, real.all})).all.size(), 6u);
 }
 
 TEST(SearchLists, RecordsOfEachStageAndList) {
