@@ -16,7 +16,7 @@
 #include <fl/diag.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 
-#include "engine_environment.hpp"
+#include "EngineEnvironment.hpp"
 
 namespace badinput {
 

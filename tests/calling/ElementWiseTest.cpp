@@ -25,8 +25,8 @@
 #include <boost/variant/get.hpp>
 
 #include <ka/ka.hpp>
-#include <array_values.hpp>
-#include <live_arrays.hpp>
+#include <ArrayValues.hpp>
+#include <LiveArrays.hpp>
 
 namespace elementwisetest {
 namespace {

@@ -3,7 +3,7 @@
 #include <builtin/calling/ParameterChecks.hpp>
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/types/StringTraits.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 #include <gtest/gtest.h>
 
@@ -20,9 +20,9 @@
 #include <fl/diag.hpp>
 #include <ka/ka.hpp>
 
-#include "../../builtin/src/calling/parameterToKaArray.hpp"
-#include "fatal_text.hpp"
-#include "live_arrays.hpp"
+#include "../../builtin/src/calling/ParameterToKaArray.hpp"
+#include "FatalText.hpp"
+#include "LiveArrays.hpp"
 
 namespace conversiontest {
 namespace {

@@ -3,7 +3,7 @@
 // strings and objects cross between arrays and pointers through the services.
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/types/StringTraits.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 #include <stringbundle/KeldorString.hpp>
 
@@ -13,7 +13,7 @@
 #include <memory>
 
 #include "../services/ServiceDoubles.hpp"
-#include "live_arrays.hpp"
+#include "LiveArrays.hpp"
 
 namespace conversiontest {
 namespace {

@@ -8,8 +8,8 @@
 #include <builtin/declare/declare.hpp>
 #include <builtin/invoke/DefaultImplementationChecks.hpp>
 
-#include "engine_environment.hpp"
-#include "live_arrays.hpp"
+#include "EngineEnvironment.hpp"
+#include "LiveArrays.hpp"
 
 namespace {
 

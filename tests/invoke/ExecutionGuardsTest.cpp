@@ -15,8 +15,8 @@
 #include <ka/ka.hpp>
 
 #include "../variants/VariantBuilders.hpp"
-#include "fatal_text.hpp"
-#include "live_arrays.hpp"
+#include "FatalText.hpp"
+#include "LiveArrays.hpp"
 
 namespace guardstest {
 namespace {

@@ -11,8 +11,8 @@
 #include <foundation/log/test/memory_sink.hpp>
 
 #include "InvokeSupport.hpp"
-#include "live_arrays.hpp"
-#include "warning_capture.hpp"
+#include "LiveArrays.hpp"
+#include "WarningCapture.hpp"
 
 namespace invoketest {
 namespace {

@@ -2,7 +2,7 @@
 // and char rows stand for no flag); Counter objects cross a call both ways; undeclared classes are refused.
 #include <builtin/objects/objects.hpp>
 #include <builtin/services/services.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 #include <classbundle/ClassSystem.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
@@ -13,7 +13,7 @@
 #include <cstdlib>
 
 #include "InvokeSupport.hpp"
-#include "live_arrays.hpp"
+#include "LiveArrays.hpp"
 
 namespace invoketest {
 namespace {

@@ -10,8 +10,8 @@
 #include <string>
 #include <tuple>
 
-#include <array_values.hpp>
-#include <live_arrays.hpp>
+#include <ArrayValues.hpp>
+#include <LiveArrays.hpp>
 
 #include <builtin/builtin.hpp>
 #include <builtin/declare/declare.hpp>

@@ -3,7 +3,7 @@
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/objects/objects.hpp>
 #include <builtin/services/services.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 #include <engine/OrroObject.hpp>
 #include <foundation/cppmicroservices/framework.hpp>

@@ -21,7 +21,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "fatal_text.hpp"
+#include "FatalText.hpp"
 
 namespace {
 

@@ -6,12 +6,12 @@
 #include <ka/ka.hpp>
 #include <foundation/log/test/memory_sink.hpp>
 
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 #include <builtin/variants/BuiltinVariantLists.hpp>
 #include <builtin/variants/VariantSignature.hpp>
 
 #include "../invoke/InvokeSupport.hpp"
-#include "live_arrays.hpp"
+#include "LiveArrays.hpp"
 
 namespace invoketest {
 namespace {

@@ -18,8 +18,8 @@
 #include <builtin/variants/MakeVariant.hpp>
 
 #include "VariantBuilders.hpp"
-#include "engine_environment.hpp"
-#include "fatal_text.hpp"
+#include "EngineEnvironment.hpp"
+#include "FatalText.hpp"
 
 namespace varianttest {
 namespace {

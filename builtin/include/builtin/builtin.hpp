@@ -11,4 +11,4 @@
 #include <builtin/calling/ParameterChecks.hpp>
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/types/StringTraits.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>

@@ -1,10 +1,10 @@
 // The converters that classification pairs with a live array, beside the pass-through converter
-// of <builtin/types/classifyKaArray.hpp>. Internal: only classification hands them out.
+// of <builtin/types/ClassifyKaArray.hpp>. Internal: only classification hands them out.
 #pragma once
 
 #include <ka/class_id.hpp>
 
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 namespace Norvane::builtin::types::detail {
 

@@ -1,5 +1,5 @@
 // The argument fetch of the wrapper family, compiled once for each alternative.
-#include "InlineCWrapper.hpp"
+#include "WrapperTemplates.hpp"
 
 #include <boost/variant/get.hpp>
 

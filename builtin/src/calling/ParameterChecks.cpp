@@ -9,7 +9,7 @@
 
 #include <fl/diag.hpp>
 
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 #include "ReadableTypeName.hpp"
 

@@ -2,7 +2,7 @@
 // generated units, each of which instantiates wrapperRowFor for its own output index.
 #pragma once
 
-#include "InlineCWrapper.hpp"
+#include "WrapperTemplates.hpp"
 #include "WrapperRow.hpp"
 
 #include <type_traits>

@@ -11,7 +11,7 @@
 #include <ka/ka.hpp>
 
 #include <builtin/types/NativeArgTypes.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 namespace Norvane::builtin {
 

@@ -25,7 +25,7 @@
 #include <builtin/variants/VariantSignature.hpp>
 #include <ka/ka.hpp>
 
-#include "../calling/parameterToKaArray.hpp"
+#include "../calling/ParameterToKaArray.hpp"
 #include "../variants/VariantAcceptance.hpp"
 
 namespace Norvane::builtin {

@@ -10,7 +10,7 @@
 #include <foundation/log/diagnostic_logger.hpp>
 
 #include <builtin/services/BuiltinServices.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 #include <builtin/variants/BuiltinVariant.hpp>
 
 namespace Norvane::builtin::builtinreg {

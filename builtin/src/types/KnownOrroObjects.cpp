@@ -3,7 +3,7 @@
 #include <mutex>
 #include <unordered_set>
 
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 namespace Norvane::builtin::builtinreg {
 

@@ -10,7 +10,7 @@
 
 #include <ka/class_id.hpp>
 
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 namespace Norvane::builtin::types::detail {
 

@@ -12,8 +12,8 @@
 
 #include <ka/ka.hpp>
 
-#include "array_values.hpp"
-#include "live_arrays.hpp"
+#include "ArrayValues.hpp"
+#include "LiveArrays.hpp"
 
 namespace {
 

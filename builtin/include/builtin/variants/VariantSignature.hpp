@@ -14,7 +14,7 @@
 #include <builtin/calling/Parameter.hpp>
 #include <builtin/config.hpp>
 #include <builtin/types/ArgType.hpp>
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 struct kaArray_tag;
 

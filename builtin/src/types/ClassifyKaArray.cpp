@@ -1,7 +1,7 @@
 // Classification of a live array: the first row of the class table that fits decides, and the
 // shape table does the rest. Refusals leave by the array library's rejections, which throw;
 // getArgTypeOfKaArray and the argument cache of a call turn them into UnsupportedArgType.
-#include <builtin/types/classifyKaArray.hpp>
+#include <builtin/types/ClassifyKaArray.hpp>
 
 #include <complex>
 #include <optional>

@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "live_arrays.hpp"
+#include "LiveArrays.hpp"
 
 using namespace Norvane::builtin;
 

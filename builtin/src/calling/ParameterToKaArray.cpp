@@ -1,5 +1,5 @@
 // Delivery of a typed result as an array.
-#include "parameterToKaArray.hpp"
+#include "ParameterToKaArray.hpp"
 
 #include <boost/variant/apply_visitor.hpp>
 #include <boost/variant/static_visitor.hpp>
