@@ -27,23 +27,28 @@ using namespace Norvane::builtin;
 using namespace Norvane::builtin::types;
 using V = BuiltinVariant;
 
-[[gnu::noinline]] double add(double a, double b) { return a + b; }
+[[gnu::noinline]] double add(double a, double b) {
+    return a + b;
+}
 
-ArgType scalarOf(kaClassID element) { return NumericScalarTypes(element, NumericScalarTypes::Complexity::REAL); }
+ArgType scalarOf(kaClassID element) {
+    return NumericScalarTypes(element, NumericScalarTypes::Complexity::REAL);
+}
 
 // plus(double, double) among variants of other arities and element types, as a module would
 // have sorted them by hand.
 std::vector<BuiltinVariant> handBuiltPlus() {
     const auto native = reinterpret_cast<NativeEntry>(&add);
     const auto variant = [&](std::vector<ArgType> in, TypedEntry entry) {
-        return V(nullptr, OrroFunctionDescriptor{entry, native, JIT_CALLING_CONVENTION::Direct}, std::move(in),
-                 {scalarOf(kaDOUBLE_CLASS)}, V::CallsIntoKeldor::NO, V::HasWarnings::NO, V::HasExceptions::NO,
-                 V::HasSideEffects::NO, "add", "plus", "double", V::IsElementWise::NO);
+        return V(nullptr, OrroFunctionDescriptor{entry, native, JIT_CALLING_CONVENTION::Direct},
+                 std::move(in), {scalarOf(kaDOUBLE_CLASS)}, V::CallsIntoKeldor::NO,
+                 V::HasWarnings::NO, V::HasExceptions::NO, V::HasSideEffects::NO, "add", "plus",
+                 "double", V::IsElementWise::NO);
     };
     const TypedEntry binary = builtinreg::detail::getExportedInlineCWrapperFcn(
         nullptr, parameterIndexOf<double>, parameterIndexOf<double>, parameterIndexOf<double>);
-    const TypedEntry unary = builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<double>,
-                                                                              parameterIndexOf<double>);
+    const TypedEntry unary = builtinreg::detail::getExportedInlineCWrapperFcn(
+        nullptr, parameterIndexOf<double>, parameterIndexOf<double>);
     std::vector<BuiltinVariant> list = {
         variant({scalarOf(kaDOUBLE_CLASS)}, unary),
         variant({scalarOf(kaDOUBLE_CLASS), scalarOf(kaDOUBLE_CLASS)}, binary),
@@ -57,8 +62,8 @@ std::vector<BuiltinVariant> handBuiltPlus() {
 class HandBuilt final : public BuiltinFcn {
 public:
     explicit HandBuilt(const std::vector<BuiltinVariant>& list)
-        : BuiltinFcn("plus", {}, {list.data(), list.size()}, {}, {}, {list.data(), list.size()}, BuiltinVariant(),
-                     nullptr, {}) {}
+        : BuiltinFcn("plus", {}, {list.data(), list.size()}, {}, {}, {list.data(), list.size()},
+                     BuiltinVariant(), nullptr, {}) {}
     void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
         invoke(nlhs, plhs, nrhs, prhs, VariantsToConsider::InvokeNoOrro);
     }
@@ -91,7 +96,9 @@ void HandBuiltPlus(benchmark::State& state) {
 }
 BENCHMARK(HandBuiltPlus);
 
-void DeclaredPlus(benchmark::State& state) { callPlus(state, *modules().find("plus")); }
+void DeclaredPlus(benchmark::State& state) {
+    callPlus(state, *modules().find("plus"));
+}
 BENCHMARK(DeclaredPlus);
 
 void StartSampleModule(benchmark::State& state) {

@@ -17,7 +17,9 @@ namespace {
 std::atomic<std::uint64_t> newCount{0};
 std::atomic<std::uint64_t> mallocCount{0};
 
-void countMalloc() { mallocCount.fetch_add(1, std::memory_order_relaxed); }
+void countMalloc() {
+    mallocCount.fetch_add(1, std::memory_order_relaxed);
+}
 
 void* allocateForNew(std::size_t size, std::size_t alignment) {
     newCount.fetch_add(1, std::memory_order_relaxed);
@@ -77,8 +79,12 @@ int posix_memalign(void** out, std::size_t alignment, std::size_t size) {
 
 // --- the global operator new and delete ------------------------------------------------------
 
-void* operator new(std::size_t size) { return allocateForNew(size, 0); }
-void* operator new[](std::size_t size) { return allocateForNew(size, 0); }
+void* operator new(std::size_t size) {
+    return allocateForNew(size, 0);
+}
+void* operator new[](std::size_t size) {
+    return allocateForNew(size, 0);
+}
 void* operator new(std::size_t size, std::align_val_t alignment) {
     return allocateForNew(size, static_cast<std::size_t>(alignment));
 }
@@ -100,11 +106,27 @@ void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     }
 }
 
-void operator delete(void* pointer) noexcept { std::free(pointer); }
-void operator delete[](void* pointer) noexcept { std::free(pointer); }
-void operator delete(void* pointer, std::size_t) noexcept { std::free(pointer); }
-void operator delete[](void* pointer, std::size_t) noexcept { std::free(pointer); }
-void operator delete(void* pointer, std::align_val_t) noexcept { std::free(pointer); }
-void operator delete[](void* pointer, std::align_val_t) noexcept { std::free(pointer); }
-void operator delete(void* pointer, std::size_t, std::align_val_t) noexcept { std::free(pointer); }
-void operator delete[](void* pointer, std::size_t, std::align_val_t) noexcept { std::free(pointer); }
+void operator delete(void* pointer) noexcept {
+    std::free(pointer);
+}
+void operator delete[](void* pointer) noexcept {
+    std::free(pointer);
+}
+void operator delete(void* pointer, std::size_t) noexcept {
+    std::free(pointer);
+}
+void operator delete[](void* pointer, std::size_t) noexcept {
+    std::free(pointer);
+}
+void operator delete(void* pointer, std::align_val_t) noexcept {
+    std::free(pointer);
+}
+void operator delete[](void* pointer, std::align_val_t) noexcept {
+    std::free(pointer);
+}
+void operator delete(void* pointer, std::size_t, std::align_val_t) noexcept {
+    std::free(pointer);
+}
+void operator delete[](void* pointer, std::size_t, std::align_val_t) noexcept {
+    std::free(pointer);
+}

@@ -35,7 +35,9 @@ using namespace Norvane::builtin::types;
 using builtinreg::detail::getExportedInlineCWrapperFcn;
 using V = BuiltinVariant;
 
-[[gnu::noinline]] double kernel(double x) { return std::sqrt(x); }
+[[gnu::noinline]] double kernel(double x) {
+    return std::sqrt(x);
+}
 
 // --- the builtin -------------------------------------------------------------------------------
 
@@ -45,10 +47,10 @@ ArgType scalarOf(kaClassID element) {
 
 BuiltinVariant variant(std::vector<ArgType> in, std::vector<ArgType> out, TypedEntry entry,
                        NativeEntry native, const char* name) {
-    return BuiltinVariant(nullptr, OrroFunctionDescriptor{entry, native, JIT_CALLING_CONVENTION::Direct},
-                          std::move(in), std::move(out), V::CallsIntoKeldor::NO, V::HasWarnings::NO,
-                          V::HasExceptions::NO, V::HasSideEffects::NO, name, "sqrt", "double",
-                          V::IsElementWise::NO);
+    return BuiltinVariant(
+        nullptr, OrroFunctionDescriptor{entry, native, JIT_CALLING_CONVENTION::Direct},
+        std::move(in), std::move(out), V::CallsIntoKeldor::NO, V::HasWarnings::NO,
+        V::HasExceptions::NO, V::HasSideEffects::NO, name, "sqrt", "double", V::IsElementWise::NO);
 }
 
 // The double-to-double variant among ten others of other arities and types, sorted as the
@@ -57,14 +59,16 @@ BuiltinVariant variant(std::vector<ArgType> in, std::vector<ArgType> out, TypedE
 // them first; otherwise every other variant of its arity sorts behind it.
 std::vector<BuiltinVariant> makeList(bool refusedFirst) {
     const auto native = reinterpret_cast<NativeEntry>(&kernel);
-    const TypedEntry unary = getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<double>,
-                                                          parameterIndexOf<double>);
+    const TypedEntry unary =
+        getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<double>, parameterIndexOf<double>);
     const TypedEntry binary = getExportedInlineCWrapperFcn(
         nullptr, parameterIndexOf<double>, parameterIndexOf<double>, parameterIndexOf<double>);
     const TypedEntry nullary = getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<double>);
-    const TypedEntry noOutput = getExportedInlineCWrapperFcn(nullptr, noOutputIndex, parameterIndexOf<double>);
-    KaArrayTypes anyDoubles(kaDOUBLE_CLASS, KaArrayTypes::Shape::UNKNOWN, KaArrayTypes::Density::FULL,
-                            KaArrayTypes::Complexity::NOT_COMPLEX, SIZE_MAX);
+    const TypedEntry noOutput =
+        getExportedInlineCWrapperFcn(nullptr, noOutputIndex, parameterIndexOf<double>);
+    KaArrayTypes anyDoubles(kaDOUBLE_CLASS, KaArrayTypes::Shape::UNKNOWN,
+                            KaArrayTypes::Density::FULL, KaArrayTypes::Complexity::NOT_COMPLEX,
+                            SIZE_MAX);
     anyDoubles.setSignatureTolerance(SignatureTolerance::RELAXED);
     const ArgType d = scalarOf(kaDOUBLE_CLASS);
 
@@ -146,10 +150,14 @@ void interpretedCall(benchmark::State& state, bool refusedFirst) {
     }
 }
 
-void InterpretedCall(benchmark::State& state) { interpretedCall(state, false); }
+void InterpretedCall(benchmark::State& state) {
+    interpretedCall(state, false);
+}
 BENCHMARK(InterpretedCall);
 
-void InterpretedCallAfterThreeRefusals(benchmark::State& state) { interpretedCall(state, true); }
+void InterpretedCallAfterThreeRefusals(benchmark::State& state) {
+    interpretedCall(state, true);
+}
 BENCHMARK(InterpretedCallAfterThreeRefusals);
 
 // --- ratios -----------------------------------------------------------------------------------
@@ -178,10 +186,11 @@ int main(int argc, char** argv) {
         const auto times = reporter.times[name];
         if (times.real <= 0) continue;
         auto& counters = reporter.counters[name];
-        std::printf("  %s / DirectBaseline: %.2f real, %.2f CPU (goal: at most 2); "
-                    "allocations per call %.2f new + %.2f malloc\n",
-                    name, times.real / direct.real, times.cpu / direct.cpu,
-                    counters["news/call"].value, counters["mallocs/call"].value);
+        std::printf(
+            "  %s / DirectBaseline: %.2f real, %.2f CPU (goal: at most 2); "
+            "allocations per call %.2f new + %.2f malloc\n",
+            name, times.real / direct.real, times.cpu / direct.cpu, counters["news/call"].value,
+            counters["mallocs/call"].value);
         if (numpy > 0) {  // timeit measures wall time, so the real times compare
             std::printf("  %s / NumPy np.sqrt(float64 scalar) %.1f ns: %.3f (real time)\n", name,
                         numpy, times.real / numpy);

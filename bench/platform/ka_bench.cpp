@@ -23,7 +23,8 @@ void fill(double* out, std::size_t n) {
 }
 
 void setBytes(benchmark::State& state) {
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bigCount * sizeof(double)));
+    state.SetBytesProcessed(state.iterations() *
+                            static_cast<std::int64_t>(bigCount * sizeof(double)));
 }
 
 void CreateReleaseScalar(benchmark::State& state) {

@@ -28,8 +28,8 @@ using namespace Norvane::builtin;
 using namespace Norvane::builtin::types;
 using V = BuiltinVariant;
 
-constexpr kaClassID kNumeric[] = {kaDOUBLE_CLASS, kaSINGLE_CLASS, kaINT8_CLASS,   kaUINT8_CLASS,
-                                  kaINT16_CLASS,  kaUINT16_CLASS, kaINT32_CLASS,  kaUINT32_CLASS,
+constexpr kaClassID kNumeric[] = {kaDOUBLE_CLASS, kaSINGLE_CLASS, kaINT8_CLASS,    kaUINT8_CLASS,
+                                  kaINT16_CLASS,  kaUINT16_CLASS, kaINT32_CLASS,   kaUINT32_CLASS,
                                   kaINT64_CLASS,  kaUINT64_CLASS, kaLOGICAL_CLASS, kaCHAR_CLASS};
 
 Parameter unusedEntry(OrroFunctionDescriptor*, IOrroBuiltinEnvironment*, bool& pending,
@@ -47,7 +47,9 @@ public:
         switch (pick(6)) {
             case 0:
             case 1: return NumericScalarTypes(element, NumericScalarTypes::Complexity::REAL);
-            case 2: return nativeArgType(NativeElement::DOUBLE, pick(2) ? NativeShape::ROW : NativeShape::MATRIX);
+            case 2:
+                return nativeArgType(NativeElement::DOUBLE,
+                                     pick(2) ? NativeShape::ROW : NativeShape::MATRIX);
             case 3: {
                 KaArrayTypes any(element, KaArrayTypes::Shape::UNKNOWN, KaArrayTypes::Density::FULL,
                                  KaArrayTypes::Complexity::UNKNOWN, SIZE_MAX);
@@ -63,11 +65,14 @@ public:
         std::vector<ArgType> inputs(1 + pick(3));
         for (ArgType& input : inputs) input = type();
         std::vector<ArgType> outputs;
-        if (pick(4) != 0) outputs.push_back(NumericScalarTypes(kaDOUBLE_CLASS, NumericScalarTypes::Complexity::REAL));
-        return V(nullptr, {&unusedEntry, nullptr, JIT_CALLING_CONVENTION::Direct}, std::move(inputs),
-                 std::move(outputs), pick(5) == 0 ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
-                 V::HasWarnings::NO, V::HasExceptions::NO, V::HasSideEffects::NO, "native", "fn", "double",
-                 V::IsElementWise::NO);
+        if (pick(4) != 0)
+            outputs.push_back(
+                NumericScalarTypes(kaDOUBLE_CLASS, NumericScalarTypes::Complexity::REAL));
+        return V(nullptr, {&unusedEntry, nullptr, JIT_CALLING_CONVENTION::Direct},
+                 std::move(inputs), std::move(outputs),
+                 pick(5) == 0 ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
+                 V::HasWarnings::NO, V::HasExceptions::NO, V::HasSideEffects::NO, "native", "fn",
+                 "double", V::IsElementWise::NO);
     }
 
     // A boxing variant of `source` taking scalars of its input count.
@@ -93,7 +98,9 @@ public:
     }
 
 private:
-    std::size_t pick(std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random_); }
+    std::size_t pick(std::size_t n) {
+        return std::uniform_int_distribution<std::size_t>(0, n - 1)(random_);
+    }
     std::mt19937 random_;
 };
 
@@ -136,16 +143,18 @@ int main(int argc, char** argv) {
         const auto sort = reporter.times[std::string("SortOnly/") + n];
         if (build.real <= 0 || sort.real <= 0) continue;
         const double count = std::stod(n);
-        std::printf("  n = %3s: %.2f / %.2f us per variant%s; BuildLists / SortOnly %.2f / %.2f\n", n,
-                    build.real / count, build.cpu / count, count == 200 ? " (goal: at most 10)" : "",
-                    build.real / sort.real, build.cpu / sort.cpu);
+        std::printf("  n = %3s: %.2f / %.2f us per variant%s; BuildLists / SortOnly %.2f / %.2f\n",
+                    n, build.real / count, build.cpu / count,
+                    count == 200 ? " (goal: at most 10)" : "", build.real / sort.real,
+                    build.cpu / sort.cpu);
     }
     const auto at50 = reporter.times["BuildLists/50"];
     const auto at800 = reporter.times["BuildLists/800"];
     if (at50.real > 0 && at800.real > 0) {
-        std::printf("  growth of the time per variant from 50 to 800: %.2f / %.2f "
-                    "(1 if linear, 16 if quadratic)\n",
-                    (at800.real / 800) / (at50.real / 50), (at800.cpu / 800) / (at50.cpu / 50));
+        std::printf(
+            "  growth of the time per variant from 50 to 800: %.2f / %.2f "
+            "(1 if linear, 16 if quadratic)\n",
+            (at800.real / 800) / (at50.real / 50), (at800.cpu / 800) / (at50.cpu / 50));
     }
     return 0;
 }

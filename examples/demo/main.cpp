@@ -26,7 +26,9 @@ void showNumbers() {
     ka::print(std::cout, ka::row({true, false, true}).get(), "mask");
     ka::print(std::cout, ka::scalar(std::complex<double>(1.5, -2)).get(), "z");
     ka::print(std::cout, ka::createNumeric(kaDOUBLE_CLASS, {0, 0}).get(), "nothing");
-    ka::print(std::cout, ka::createFrom<double>({2, 2, 2}, std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8}).get(), "cube");
+    ka::print(std::cout,
+              ka::createFrom<double>({2, 2, 2}, std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8}).get(),
+              "cube");
 }
 
 void showText() {
@@ -34,20 +36,21 @@ void showText() {
 }
 
 void showContainers() {
-    ka::print(std::cout,
-              ka::createSparse(kaDOUBLE_CLASS, 4, 4, {{0, 0, 2.0}, {3, 1, -1.0}, {2, 3, 0.5}}).get(),
-              "S");
+    ka::print(
+        std::cout,
+        ka::createSparse(kaDOUBLE_CLASS, 4, 4, {{0, 0, 2.0}, {3, 1, -1.0}, {2, 3, 0.5}}).get(),
+        "S");
     ka::print(std::cout,
               ka::createCell({1, 3}, items(ka::scalar(42.0), ka::charArray("text"),
                                            ka::createNumeric(kaSINGLE_CLASS, {3, 3})))
                   .get(),
               "c");
-    ka::print(std::cout,
-              ka::createStruct({1, 1}, {"name", "born", "languages"},
-                               items(ka::charArray("Ada"), ka::scalar(1815.0),
-                                     ka::createCell({1, 2})))
-                  .get(),
-              "person");
+    ka::print(
+        std::cout,
+        ka::createStruct({1, 1}, {"name", "born", "languages"},
+                         items(ka::charArray("Ada"), ka::scalar(1815.0), ka::createCell({1, 2})))
+            .get(),
+        "person");
 }
 
 void showHandlesAndObjects() {

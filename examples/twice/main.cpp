@@ -11,7 +11,9 @@
 using namespace Norvane::builtin;
 using namespace Norvane::builtin::types;
 
-double twice(double x) { return 2 * x; }
+double twice(double x) {
+    return 2 * x;
+}
 
 builtinreg::BuiltinVariantLists twiceLists() {
     OrroFunctionDescriptor descriptor;

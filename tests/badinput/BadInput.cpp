@@ -61,15 +61,16 @@ void runTable(const std::string& area, const std::vector<Row>& rows) {
         try {
             row.feed();
             if (row.expected) {
-                ADD_FAILURE() << "taken, but " << nameOf(*row.expected->type) << " \"" << row.expected->message
-                              << "\" was expected";
+                ADD_FAILURE() << "taken, but " << nameOf(*row.expected->type) << " \""
+                              << row.expected->message << "\" was expected";
             }
         } catch (const std::exception& e) {
             if (!row.expected) {
                 ADD_FAILURE() << "refused with " << nameOf(typeid(e)) << " \"" << e.what() << "\"";
             } else {
                 EXPECT_TRUE(row.expected->isA(e))
-                    << nameOf(typeid(e)) << " is no " << nameOf(*row.expected->type) << ": " << e.what();
+                    << nameOf(typeid(e)) << " is no " << nameOf(*row.expected->type) << ": "
+                    << e.what();
                 EXPECT_EQ(e.what(), row.expected->message);
             }
         } catch (...) {
@@ -79,7 +80,9 @@ void runTable(const std::string& area, const std::vector<Row>& rows) {
     }
 }
 
-const declare::ModuleDirectory& directory() { return *process->directory_; }
+const declare::ModuleDirectory& directory() {
+    return *process->directory_;
+}
 
 const BuiltinFcn& builtin(const char* name) {
     const BuiltinFcn* fcn = directory().find(name);
@@ -97,8 +100,9 @@ void call(const char* name, std::vector<ka::ArrayPtr> arguments, int nlhs,
     }
     const auto unchanged = [&] {
         for (std::size_t i = 0; i < arguments.size(); ++i) {
-            const auto now = arguments[i] ? std::make_pair(arguments[i]->refCount, arguments[i]->flags)
-                                          : std::make_pair(0u, 0u);
+            const auto now = arguments[i]
+                                 ? std::make_pair(arguments[i]->refCount, arguments[i]->flags)
+                                 : std::make_pair(0u, 0u);
             EXPECT_EQ(now, before[i]) << "argument " << i << ": count and flags";
         }
     };
@@ -121,7 +125,8 @@ namespace {
 const BuiltinVariant& variantOf(const char* name, const std::vector<std::string>& inputTypes) {
     const VariantArray all = builtin(name).getAllVariants();
     const auto matches = [](const std::string& type, const std::string& pattern) {
-        return pattern.ends_with('*') ? type.starts_with(pattern.substr(0, pattern.size() - 1)) : type == pattern;
+        return pattern.ends_with('*') ? type.starts_with(pattern.substr(0, pattern.size() - 1))
+                                      : type == pattern;
     };
     for (const BuiltinVariant* v = all.first; v != all.first + all.second; ++v) {
         if (std::ranges::equal(v->inputTypes, inputTypes, matches)) return *v;
@@ -131,7 +136,8 @@ const BuiltinVariant& variantOf(const char* name, const std::vector<std::string>
 
 }  // namespace
 
-void engineCall(const char* name, const std::vector<std::string>& inputTypes, std::vector<Argument> arguments) {
+void engineCall(const char* name, const std::vector<std::string>& inputTypes,
+                std::vector<Argument> arguments) {
     const BuiltinVariant& variant = variantOf(name, inputTypes);
     ParameterList parameters;
     for (Argument& a : arguments) {
@@ -160,7 +166,8 @@ void engineCall(const char* name, const std::vector<std::string>& inputTypes, st
         referencesGivenBack();
         throw;
     }
-    if (kaArray_tag* const* array = boost::get<kaArray_tag*>(&result)) matrix::releaseReference(*array);
+    if (kaArray_tag* const* array = boost::get<kaArray_tag*>(&result))
+        matrix::releaseReference(*array);
     referencesGivenBack();
 }
 

@@ -36,8 +36,8 @@ template <class E>
 Refusal refusal(std::string message) {
     // boost::throw_exception throws its wrapexcept<E>, which adds nothing but Boost's own base.
     const auto isA = [](const std::exception& e) {
-        return typeid(e) == typeid(E) ||
-               (dynamic_cast<const E*>(&e) != nullptr && dynamic_cast<const boost::exception*>(&e) != nullptr);
+        return typeid(e) == typeid(E) || (dynamic_cast<const E*>(&e) != nullptr &&
+                                          dynamic_cast<const boost::exception*>(&e) != nullptr);
     };
     return {&typeid(E), isA, std::move(message)};
 }
@@ -69,7 +69,7 @@ void call(const char* name, std::vector<ka::ArrayPtr> arguments, int nlhs = 1,
 // An argument of a typed entry: an unboxed value, or an array, to which the call gets a reference
 // of its own.
 struct Argument {
-    Argument(Parameter v) : value(std::move(v)) {}  // NOLINT: rows list values and arrays alike
+    Argument(Parameter v) : value(std::move(v)) {}     // NOLINT: rows list values and arrays alike
     Argument(ka::ArrayPtr a) : array(std::move(a)) {}  // NOLINT
     Parameter value;
     ka::ArrayPtr array;
@@ -93,7 +93,8 @@ std::vector<ka::ArrayPtr> arrays(A&&... a) {
 // engine does: it fills the Parameters, and after the call rethrows an error that the entry
 // reported. Each array argument carries a reference of its own into the call, which the entry
 // owns; whether the call succeeds or not, checks that the entry gave every such reference back.
-void engineCall(const char* name, const std::vector<std::string>& inputTypes, std::vector<Argument> arguments);
+void engineCall(const char* name, const std::vector<std::string>& inputTypes,
+                std::vector<Argument> arguments);
 
 // A 1-by-1 string of the language's string class.
 ka::ArrayPtr string(std::u16string text);

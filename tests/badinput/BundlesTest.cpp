@@ -36,7 +36,8 @@ struct BrokenBundle {
 
 // The text with each @ replaced by the bundle's folder.
 std::string placed(std::string text, const std::string& folder) {
-    for (std::size_t at = text.find('@'); at != std::string::npos; at = text.find('@', at + folder.size())) {
+    for (std::size_t at = text.find('@'); at != std::string::npos;
+         at = text.find('@', at + folder.size())) {
         text.replace(at, 1, folder);
     }
     return text;
@@ -44,7 +45,8 @@ std::string placed(std::string text, const std::string& folder) {
 
 // Stops what a row started, so that its modules and services do not reach the next row.
 void stopBundlesUnder(const fs::path& root) {
-    for (auto& bundle : foundation::cppmicroservices::getFramework()->GetBundleContext().GetBundles()) {
+    for (auto& bundle :
+         foundation::cppmicroservices::getFramework()->GetBundleContext().GetBundles()) {
         if (bundle.GetLocation().starts_with(root.string())) bundle.Stop();
     }
 }
@@ -74,7 +76,8 @@ void start(const BrokenBundle& bundle, const fs::path& root) {
         declare::ModuleDirectory::start({declare::builtinServicesFolder()});
     } catch (const BundleLoadError& error) {
         EXPECT_EQ(error.failures().size(), 1u);
-        EXPECT_EQ(declare::ModuleDirectory().list(), before) << "a module of the broken bundle stayed";
+        EXPECT_EQ(declare::ModuleDirectory().list(), before)
+            << "a module of the broken bundle stayed";
         EXPECT_EQ(greeters(), greetersBefore) << "the broken bundle left its service";
         throw;
     }
@@ -95,22 +98,26 @@ protected:
         const fs::path root = roots_ / std::to_string(rows_++);
         return {"a second copy of the sample module",
                 [root] {
-                    const std::string manifest = R"({"bundle.symbolic_name": "sample_copy", "bundle.library": "lib.so",
+                    const std::string manifest =
+                        R"({"bundle.symbolic_name": "sample_copy", "bundle.library": "lib.so",
                                                      "builtin-module": "sample"})";
                     start({manifest, std::nullopt, false, SAMPLE_MODULE_LIBRARY}, root);
                 },
-                refusal<std::runtime_error>("the builtin abs is declared by two modules: sample and sample")};
+                refusal<std::runtime_error>(
+                    "the builtin abs is declared by two modules: sample and sample")};
     }
 
     // Each row has an installation root of its own, so that every start sees one new bundle.
     Row row(std::string input, BrokenBundle bundle, const std::string& failure) {
         const fs::path root = roots_ / std::to_string(rows_++);
         const std::string folder = (root / "bin/linux64/builtinservices/broken").string();
-        const Outcome expected = failure.empty() ? taken
-                                                 : refusal<BundleLoadError>(
-                                                       "Some bundles could not be installed or started:\n  Bundle " +
-                                                       folder + ": " + placed(failure, folder));
-        return {std::move(input), [bundle = std::move(bundle), root] { start(bundle, root); }, expected};
+        const Outcome expected =
+            failure.empty() ? taken
+                            : refusal<BundleLoadError>(
+                                  "Some bundles could not be installed or started:\n  Bundle " +
+                                  folder + ": " + placed(failure, folder));
+        return {std::move(input), [bundle = std::move(bundle), root] { start(bundle, root); },
+                expected};
     }
 
     fs::path roots_;
@@ -129,38 +136,53 @@ std::string module(const std::string& library, const std::string& more = {}) {
 TEST_F(Bundles, BrokenBundles) {
     const std::string notJson = "the manifest is not valid JSON: ";
     const std::string needs = "the manifest needs \"";
-    runTable("broken bundles", {
-        row("manifest not JSON", {"{ not json"}, notJson + "syntax error"),
-        row("empty manifest", {""}, notJson + "incomplete JSON"),
-        row("manifest an array", {R"([{"bundle.symbolic_name": "broken"}])"}, "the manifest is not a JSON object"),
-        row("manifest a folder", {"", std::nullopt, true}, "cannot read @/manifest.json"),
-        row("no symbolic name", {R"({"bundle.library": "lib.so", "builtin-module": "broken"})"},
-            needs + "bundle.symbolic_name\" as a non-empty string"),
-        row("empty symbolic name", {R"({"bundle.symbolic_name": "", "bundle.library": "lib.so"})"},
-            needs + "bundle.symbolic_name\" as a non-empty string"),
-        row("symbolic name a number", {R"({"bundle.symbolic_name": 7, "bundle.library": "lib.so"})"},
-            needs + "bundle.symbolic_name\" as a non-empty string"),
-        row("no library", {R"({"bundle.symbolic_name": "broken", "builtin-module": "broken"})"},
-            needs + "bundle.library\" as a non-empty string"),
-        row("library a list", {R"({"bundle.symbolic_name": "broken", "bundle.library": ["lib.so"]})"},
-            needs + "bundle.library\" as a non-empty string"),
-        row("library not a shared object", {module("lib.so"), std::string(200, 'x')},
-            "cannot load @/lib.so: @/lib.so: invalid ELF header"),
-        row("library a short file", {module("lib.so"), "MZ"}, "cannot load @/lib.so: @/lib.so: file too short"),
-        row("library missing", {module("absent.so")},
-            "cannot load @/absent.so: @/absent.so: cannot open shared object file: No such file or directory"),
-        row("library without an activator", {module(noActivator)}, noActivator + " has no bundle activator"),
-        row("activator that fails", {module(greeter, R"(, "fail-start": true)")}, "refusing to start"),
-        row("class system with orro_objects a number", {module(classSystem, R"(, "orro_objects": 5)")},
-            "Bad any_cast: cannot cast from int to cppmicroservices::AnyMap"),
-        row("class system with a bad class",
-            {module(classSystem, R"(, "orro_objects": {"N1b1XE": {"kaClassName": "X", "variantId": -3}})")},
-            "Unable to cast variant id for N1b1XE to size_t.\nVariant id must be a value greater than or equal to 0."),
-        secondSample(),
-        // Without the start property the bundle is installed and never started.
-        row("no start property",
-            {R"({"bundle.symbolic_name": "broken", "bundle.library": ")" + greeter + R"(", "greeting": "hi"})"}, ""),
-    });
+    runTable(
+        "broken bundles",
+        {
+            row("manifest not JSON", {"{ not json"}, notJson + "syntax error"),
+            row("empty manifest", {""}, notJson + "incomplete JSON"),
+            row("manifest an array", {R"([{"bundle.symbolic_name": "broken"}])"},
+                "the manifest is not a JSON object"),
+            row("manifest a folder", {"", std::nullopt, true}, "cannot read @/manifest.json"),
+            row("no symbolic name", {R"({"bundle.library": "lib.so", "builtin-module": "broken"})"},
+                needs + "bundle.symbolic_name\" as a non-empty string"),
+            row("empty symbolic name",
+                {R"({"bundle.symbolic_name": "", "bundle.library": "lib.so"})"},
+                needs + "bundle.symbolic_name\" as a non-empty string"),
+            row("symbolic name a number",
+                {R"({"bundle.symbolic_name": 7, "bundle.library": "lib.so"})"},
+                needs + "bundle.symbolic_name\" as a non-empty string"),
+            row("no library", {R"({"bundle.symbolic_name": "broken", "builtin-module": "broken"})"},
+                needs + "bundle.library\" as a non-empty string"),
+            row("library a list",
+                {R"({"bundle.symbolic_name": "broken", "bundle.library": ["lib.so"]})"},
+                needs + "bundle.library\" as a non-empty string"),
+            row("library not a shared object", {module("lib.so"), std::string(200, 'x')},
+                "cannot load @/lib.so: @/lib.so: invalid ELF header"),
+            row("library a short file", {module("lib.so"), "MZ"},
+                "cannot load @/lib.so: @/lib.so: file too short"),
+            row("library missing", {module("absent.so")},
+                "cannot load @/absent.so: @/absent.so: cannot open shared object file: No such "
+                "file or directory"),
+            row("library without an activator", {module(noActivator)},
+                noActivator + " has no bundle activator"),
+            row("activator that fails", {module(greeter, R"(, "fail-start": true)")},
+                "refusing to start"),
+            row("class system with orro_objects a number",
+                {module(classSystem, R"(, "orro_objects": 5)")},
+                "Bad any_cast: cannot cast from int to cppmicroservices::AnyMap"),
+            row("class system with a bad class",
+                {module(classSystem,
+                        R"(, "orro_objects": {"N1b1XE": {"kaClassName": "X", "variantId": -3}})")},
+                "Unable to cast variant id for N1b1XE to size_t.\nVariant id must be a value "
+                "greater than or equal to 0."),
+            secondSample(),
+            // Without the start property the bundle is installed and never started.
+            row("no start property",
+                {R"({"bundle.symbolic_name": "broken", "bundle.library": ")" + greeter +
+                 R"(", "greeting": "hi"})"},
+                ""),
+        });
 }
 
 }  // namespace

@@ -34,37 +34,43 @@ bool reportingSqrt(double x, double* out, IOrroBuiltinEnvironment*, OrroFunction
 }
 
 TEST(BadInput, Declarations) {
-    runTable("declarations", {
-        arrayType("of shape ND without a dimension count", [] { KaArrayTypes(kaDOUBLE_CLASS, Shape::ND, full, real); }),
-        arrayType("of shape UNKNOWN", [] { KaArrayTypes(kaDOUBLE_CLASS, Shape::UNKNOWN, full, real); }),
-        arrayType("of a shape outside the enum",
-                  [] { KaArrayTypes(kaDOUBLE_CLASS, static_cast<Shape>(42), full, real); }),
-        arrayType("set to shape ND",
-                  [] {
-                      KaArrayTypes type(kaDOUBLE_CLASS, Shape::ROW, full, real);
-                      type.setShape(Shape::ND);
-                  }),
-        level(4),
-        level(-1),
-        {"getter of double asked for its second type",
-         [] { types::getNativeArgType<double, types::NativeShape::SCALAR>(1); }, subscript},
-        {"getter of any double array asked for its second type", [] { types::getAnyShapeArgType<double>(1); },
-         subscript},
-        {"a reporting function that neither warns nor fails",
-         [] {
-             declare::Module module("broken");
-             module.builtin("f").def(&reportingSqrt, declare::pure, declare::noWarnings, declare::noErrors);
-         },
-         refusal<std::invalid_argument>("builtin f: a function of the reporting form must be able to warn or to fail; "
-                                        "declare it without noWarnings or noErrors")},
-        {"a builtin added to a finished module",
-         [] {
-             declare::Module module("done");
-             module.finish();
-             module.builtin("late");
-         },
-         refusal<std::logic_error>("module done is finished: no builtin can be added")},
-    });
+    runTable(
+        "declarations",
+        {
+            arrayType("of shape ND without a dimension count",
+                      [] { KaArrayTypes(kaDOUBLE_CLASS, Shape::ND, full, real); }),
+            arrayType("of shape UNKNOWN",
+                      [] { KaArrayTypes(kaDOUBLE_CLASS, Shape::UNKNOWN, full, real); }),
+            arrayType("of a shape outside the enum",
+                      [] { KaArrayTypes(kaDOUBLE_CLASS, static_cast<Shape>(42), full, real); }),
+            arrayType("set to shape ND",
+                      [] {
+                          KaArrayTypes type(kaDOUBLE_CLASS, Shape::ROW, full, real);
+                          type.setShape(Shape::ND);
+                      }),
+            level(4),
+            level(-1),
+            {"getter of double asked for its second type",
+             [] { types::getNativeArgType<double, types::NativeShape::SCALAR>(1); }, subscript},
+            {"getter of any double array asked for its second type",
+             [] { types::getAnyShapeArgType<double>(1); }, subscript},
+            {"a reporting function that neither warns nor fails",
+             [] {
+                 declare::Module module("broken");
+                 module.builtin("f").def(&reportingSqrt, declare::pure, declare::noWarnings,
+                                         declare::noErrors);
+             },
+             refusal<std::invalid_argument>(
+                 "builtin f: a function of the reporting form must be able to warn or to fail; "
+                 "declare it without noWarnings or noErrors")},
+            {"a builtin added to a finished module",
+             [] {
+                 declare::Module module("done");
+                 module.finish();
+                 module.builtin("late");
+             },
+             refusal<std::logic_error>("module done is finished: no builtin can be added")},
+        });
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 // the fatal checks, in a process without any service framework (no StringSupport, no provider).
 #include <builtin/calling/ParameterChecks.hpp>
 #include <builtin/calling/ParameterConversion.hpp>
-#include <builtin/types/StringTraits.hpp>
 #include <builtin/types/ClassifyKaArray.hpp>
+#include <builtin/types/StringTraits.hpp>
 
 #include <gtest/gtest.h>
 
@@ -39,18 +39,21 @@ using Shape = KaArrayTypes::Shape;
 using testsupport::literal;
 
 ArgType full(kaClassID element, Shape shape, std::size_t dim, bool complex = false) {
-    return KaArrayTypes(element, shape, KaArrayTypes::Density::FULL,
-                        complex ? KaArrayTypes::Complexity::COMPLEX : KaArrayTypes::Complexity::NOT_COMPLEX, dim);
+    return KaArrayTypes(
+        element, shape, KaArrayTypes::Density::FULL,
+        complex ? KaArrayTypes::Complexity::COMPLEX : KaArrayTypes::Complexity::NOT_COMPLEX, dim);
 }
 
 ArgType scalar(kaClassID element, bool complex = false) {
-    return NumericScalarTypes(element, complex ? NumericScalarTypes::Complexity::COMPLEX : NumericScalarTypes::Complexity::REAL);
+    return NumericScalarTypes(element, complex ? NumericScalarTypes::Complexity::COMPLEX
+                                               : NumericScalarTypes::Complexity::REAL);
 }
 
 // A 2-D record only read, or released by a holder: the second count keeps it from being destroyed.
 struct FakeArray {
     kaArray_tag record{};
-    FakeArray(kaClassID storedClass, std::uint32_t flags, std::size_t rows, std::size_t columns, void* data = nullptr) {
+    FakeArray(kaClassID storedClass, std::uint32_t flags, std::size_t rows, std::size_t columns,
+              void* data = nullptr) {
         record.storedClass = storedClass;
         record.refCount = 1;
         record.pinCount = 1;
@@ -79,7 +82,10 @@ TEST_F(NoServices, FullArraysByShape) {
         {kaSINGLE_CLASS, {2, 3}, kaCOMPLEX, full(kaSINGLE_CLASS, Shape::TWO_D, 2, true)},
         {kaCHAR_CLASS, {1, 5}, kaREAL, full(kaCHAR_CLASS, Shape::ROW, 1)},
         {kaLOGICAL_CLASS, {4, 1}, kaREAL, full(kaLOGICAL_CLASS, Shape::COLUMN, 1)},
-        {kaINT8_CLASS, {1, 1}, kaCOMPLEX, full(kaINT8_CLASS, Shape::SCALAR, 0, true)},  // no complex integer scalar
+        {kaINT8_CLASS,
+         {1, 1},
+         kaCOMPLEX,
+         full(kaINT8_CLASS, Shape::SCALAR, 0, true)},  // no complex integer scalar
         {kaDOUBLE_CLASS, {1, 1}, kaCOMPLEX, scalar(kaDOUBLE_CLASS, true)},
         {kaUINT64_CLASS, {1, 1}, kaREAL, scalar(kaUINT64_CLASS)},
     };
@@ -118,10 +124,12 @@ TEST_F(NoServices, OtherClassesAndInstances) {
         {ka::createStruct({1, 1}, {"a"}), full(kaSTRUCT_CLASS, Shape::SCALAR, 0)},
         {ka::createFunctionHandle("sin"), full(kaFUNCTION_CLASS, Shape::SCALAR, 0)},
         {ka::createSparse(kaDOUBLE_CLASS, 3, 4, {{0, 1, 2.0}}),
-         KaArrayTypes(kaDOUBLE_CLASS, Shape::TWO_D, KaArrayTypes::Density::SPARSE, KaArrayTypes::Complexity::NOT_COMPLEX, 2)},
+         KaArrayTypes(kaDOUBLE_CLASS, Shape::TWO_D, KaArrayTypes::Density::SPARSE,
+                      KaArrayTypes::Complexity::NOT_COMPLEX, 2)},
     };
     for (const auto& [array, expected] : cases) {
-        EXPECT_EQ(classifyKaArray(array.get()), std::make_pair(expected, Converter(&passThroughConverter)));
+        EXPECT_EQ(classifyKaArray(array.get()),
+                  std::make_pair(expected, Converter(&passThroughConverter)));
     }
     constexpr auto knownClass = static_cast<kaClassID>(40);
     addAsKnownOrroObject(knownClass);
@@ -130,7 +138,8 @@ TEST_F(NoServices, OtherClassesAndInstances) {
     const auto known = ka::createObject(knownClass, "Known", payload);
     const auto asStruct = ka::createObject(knownClass, "Known", payload, {1, 1}, kaSTRUCT_CLASS);
     const auto asObject = ka::createObject(knownClass, "Known", payload, {1, 1}, kaOBJECT_CLASS);
-    EXPECT_EQ(classifyKaArray(string.get()), std::make_pair(ArgType(UnsupportedArgType{}), Converter{}));
+    EXPECT_EQ(classifyKaArray(string.get()),
+              std::make_pair(ArgType(UnsupportedArgType{}), Converter{}));
     EXPECT_EQ(classifyKaArray(asObject.get()).second, nullptr);
     EXPECT_THROW(classifyKaArray(known.get()), std::runtime_error);
     EXPECT_EQ(getArgTypeOfKaArray(known.get()), ArgType(UnsupportedArgType{}));
@@ -143,7 +152,8 @@ TEST(KnownOrroObjects, EachIdIsNewExactlyOnceEvenUnderConcurrentRegistration) {
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&] {
-            for (int i = 2000; i < 3000; ++i) added += addAsKnownOrroObject(static_cast<kaClassID>(i));
+            for (int i = 2000; i < 3000; ++i)
+                added += addAsKnownOrroObject(static_cast<kaClassID>(i));
         });
     }
     for (auto& thread : threads) thread.join();
@@ -212,14 +222,17 @@ TEST_F(NoServices, ResultsBecomeArraysByTheDeclaredOutput) {
     const std::pair<const BuiltinVariant*, kaClassID> cases[] = {
         {&charOutput, kaCHAR_CLASS}, {&uint16Output, kaUINT16_CLASS}, {&noOutput, kaUINT16_CLASS}};
     for (const auto& [variant, element] : cases) {
-        const ka::ArrayPtr array(parameterToKaArray(Parameter(static_cast<unsigned short>(u'A')), *variant));
+        const ka::ArrayPtr array(
+            parameterToKaArray(Parameter(static_cast<unsigned short>(u'A')), *variant));
         EXPECT_EQ(getArgTypeOfKaArray(array.get()), scalar(element));
         EXPECT_EQ(*static_cast<const char16_t*>(matrix::data(array.get())), u'A');
     }
     auto row = ka::row({1.0, 2.0});
     EXPECT_EQ(parameterToKaArray(Parameter(row.get()), noOutput), row.get());
     EXPECT_EQ(row->refCount, 1u);
-    EXPECT_EQ(parameterToKaArray(Parameter(static_cast<Norvane::String::String*>(nullptr)), noOutput), nullptr);
+    EXPECT_EQ(
+        parameterToKaArray(Parameter(static_cast<Norvane::String::String*>(nullptr)), noOutput),
+        nullptr);
     const ka::ArrayPtr fromDouble(parameterToKaArray(Parameter(2.0), charOutput));
     EXPECT_EQ(getArgTypeOfKaArray(fromDouble.get()), scalar(kaDOUBLE_CLASS));
 }
@@ -232,15 +245,17 @@ TEST_F(NoServices, CharArraysReadAsStrings) {
     TypeTraitsImpl<std::u16string> u16;
     EXPECT_EQ(u16(ka::charArray(std::u16string_view(u"abc")).release(), holders), u"abc");
     EXPECT_EQ(u16(ka::createNumeric(kaCHAR_CLASS, {1, 0}).release(), holders), u"");
-    EXPECT_EQ(TypeTraitsImpl<std::string>()(ka::charArray(std::u16string_view(u"h\u00e9")).release(), holders),
+    EXPECT_EQ(TypeTraitsImpl<std::string>()(
+                  ka::charArray(std::u16string_view(u"h\u00e9")).release(), holders),
               "h\xc3\xa9");
     const kaArray_tag* chars = ka::charArray(std::u16string_view(u"xy")).release();
     const std::u16string_view seen = TypeTraitsImpl<std::u16string_view>()(chars, holders);
     EXPECT_EQ(seen, u"xy");
     EXPECT_EQ(seen.data(), matrix::data(chars));
     EXPECT_EQ(holders.size(), 4u) << "the holders own every array read";
-    const kaArray_tag* refused[] = {ka::createNumeric(kaCHAR_CLASS, {2, 2}).release(), &complexRow.record,
-                                    &sparseRow.record, ka::scalar(1.0).release(), nullptr};
+    const kaArray_tag* refused[] = {ka::createNumeric(kaCHAR_CLASS, {2, 2}).release(),
+                                    &complexRow.record, &sparseRow.record,
+                                    ka::scalar(1.0).release(), nullptr};
     for (const kaArray_tag* array : refused) {
         EXPECT_THROW(u16(array, holders), std::invalid_argument);
     }
@@ -249,11 +264,12 @@ TEST_F(NoServices, CharArraysReadAsStrings) {
 
 TEST_F(NoServices, StringsBecomeCharRowsWithoutStringSupport) {
     const std::tuple<ka::ArrayPtr, ArgType, std::u16string> cases[] = {
-        {ka::ArrayPtr(TypeTraitsImpl<std::u16string>()(std::u16string(u"abc"))), full(kaCHAR_CLASS, Shape::ROW, 1),
-         u"abc"},
-        {ka::ArrayPtr(TypeTraitsImpl<std::u16string>()(std::u16string())), full(kaCHAR_CLASS, Shape::EMPTY_ROW, 0),
-         u""},
-        {ka::ArrayPtr(TypeTraitsImpl<std::string>()(std::string("\xc3\xa9"))), scalar(kaCHAR_CLASS), u"\u00e9"},
+        {ka::ArrayPtr(TypeTraitsImpl<std::u16string>()(std::u16string(u"abc"))),
+         full(kaCHAR_CLASS, Shape::ROW, 1), u"abc"},
+        {ka::ArrayPtr(TypeTraitsImpl<std::u16string>()(std::u16string())),
+         full(kaCHAR_CLASS, Shape::EMPTY_ROW, 0), u""},
+        {ka::ArrayPtr(TypeTraitsImpl<std::string>()(std::string("\xc3\xa9"))), scalar(kaCHAR_CLASS),
+         u"\u00e9"},
     };
     for (const auto& [array, type, text] : cases) {
         EXPECT_EQ(getArgTypeOfKaArray(array.get()), type);
@@ -279,20 +295,27 @@ TEST_F(NoServicesDeathTest, ChecksStopWithTheirTexts) {
     charType << getArgTypeOfKaArray(chars.get());
     const std::string conversionPath = ".*builtin2/interface/builtin/ParameterConversion";
 
-    EXPECT_DEATH(td::assertFromParameterType(typeid(double), chars.get()),
-                 literal("expected kaArray to be double but was " + charType.str()) + conversionPath);
+    EXPECT_DEATH(
+        td::assertFromParameterType(typeid(double), chars.get()),
+        literal("expected kaArray to be double but was " + charType.str()) + conversionPath);
     EXPECT_DEATH(td::assertOrroObjectFromParameterType(typeid(Norvane::orro::OrroObject*), number),
-                 literal("expected Parameter to contain Norvane::orro::OrroObject* but actually contains double") +
+                 literal("expected Parameter to contain Norvane::orro::OrroObject* but actually "
+                         "contains double") +
                      conversionPath);
-    EXPECT_DEATH(td::assertParameterContainsType(typeid(float), number),
-                 literal("Parameter created with incorrect type.\nExpected: float\nActual: double") + conversionPath);
-    EXPECT_DEATH(bd::assertParameterWrongType(typeid(float), number, scalar(kaSINGLE_CLASS)),
-                 literal("expected Parameter containing: float\nactual Parameter containing: double\n"
-                         "Expected ArgType: single") +
-                     ".*builtin2/interface/builtin/getFunctionDescriptor");
-    EXPECT_DEATH(TypeTraitsImpl<const td::ScalarKeldorStringPlaceholder*>()(nullptr),
-                 literal("ScalarKeldorStringPlaceholder is not a real type and should not actually be used.") +
-                     ".*builtin2/interface/builtin/StringTraits");
+    EXPECT_DEATH(
+        td::assertParameterContainsType(typeid(float), number),
+        literal("Parameter created with incorrect type.\nExpected: float\nActual: double") +
+            conversionPath);
+    EXPECT_DEATH(
+        bd::assertParameterWrongType(typeid(float), number, scalar(kaSINGLE_CLASS)),
+        literal("expected Parameter containing: float\nactual Parameter containing: double\n"
+                "Expected ArgType: single") +
+            ".*builtin2/interface/builtin/getFunctionDescriptor");
+    EXPECT_DEATH(
+        TypeTraitsImpl<const td::ScalarKeldorStringPlaceholder*>()(nullptr),
+        literal(
+            "ScalarKeldorStringPlaceholder is not a real type and should not actually be used.") +
+            ".*builtin2/interface/builtin/StringTraits");
 
     td::assertParameterContainsType(typeid(double), number);
     const bool previous = fl_set_diag_terminate(false);

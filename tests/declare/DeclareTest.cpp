@@ -1,5 +1,6 @@
 // The declaration layer: how a C++ signature is read, which entry a function gets, how arguments
-// are held, the behaviour a declaration stands for, lint, and the guards of a default implementation.
+// are held, the behaviour a declaration stands for, lint, and the guards of a default
+// implementation.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,46 +18,67 @@ using namespace Norvane::builtin;
 using namespace Norvane::builtin::declare;
 using JCC = JIT_CALLING_CONVENTION;
 
-using Reporting = bool (*)(double, float, double*, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*);
+using Reporting = bool (*)(double, float, double*, IOrroBuiltinEnvironment*,
+                           OrroFunctionDescriptor*);
 static_assert(Signature<double (*)(double, int)>::convention == JCC::Direct &&
               std::is_same_v<Signature<double (*)(double, int)>::Inputs, TypeList<double, int>>);
-static_assert(Signature<double (*)(double, OrroFunctionDescriptor*)>::convention == JCC::DirectWithDescriptor &&
-              std::is_same_v<Signature<double (*)(double, OrroFunctionDescriptor*)>::Inputs, TypeList<double>>);
+static_assert(Signature<double (*)(double, OrroFunctionDescriptor*)>::convention ==
+                  JCC::DirectWithDescriptor &&
+              std::is_same_v<Signature<double (*)(double, OrroFunctionDescriptor*)>::Inputs,
+                             TypeList<double>>);
 static_assert(Signature<Reporting>::convention == JCC::CanThrow &&
               std::is_same_v<Signature<Reporting>::Inputs, TypeList<double, float>> &&
               std::is_same_v<Signature<Reporting>::Output, double>);
-static_assert(std::is_same_v<
-              Signature<bool (*)(double, void*, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*)>::Output, void>);
+static_assert(std::is_same_v<Signature<bool (*)(double, void*, IOrroBuiltinEnvironment*,
+                                                OrroFunctionDescriptor*)>::Output,
+                             void>);
 
-double add(double a, int b) { return a + b; }
-double addThree(double a, double b, double c) { return a + b + c; }
-double length(std::u16string_view text) { return static_cast<double>(text.size()); }
-double firstOf(Row<double> row) { return row[0]; }
-std::uint32_t countBorrowed(const kaArray_tag* a) { return a->refCount; }
+double add(double a, int b) {
+    return a + b;
+}
+double addThree(double a, double b, double c) {
+    return a + b + c;
+}
+double length(std::u16string_view text) {
+    return static_cast<double>(text.size());
+}
+double firstOf(Row<double> row) {
+    return row[0];
+}
+std::uint32_t countBorrowed(const kaArray_tag* a) {
+    return a->refCount;
+}
 std::uint32_t countOwned(kaArray_tag* a) {
     const std::uint32_t count = a->refCount;
     matrix::releaseReference(a);
     return count;
 }
-double fails(const kaArray_tag*, double) { throw std::runtime_error("failed"); }
+double fails(const kaArray_tag*, double) {
+    throw std::runtime_error("failed");
+}
 
 class Declared : public testsupport::LiveArrayTest {
 protected:
-    static double callForDouble(const DeclaredBuiltin& builtin, std::vector<kaArray_tag*> arguments) {
+    static double callForDouble(const DeclaredBuiltin& builtin,
+                                std::vector<kaArray_tag*> arguments) {
         kaArray_tag* result[1] = {nullptr};
         builtin.function().call(1, result, static_cast<int>(arguments.size()), arguments.data());
         const ka::ArrayPtr held(result[0]);
         const void* data = matrix::data(held.get());
-        return matrix::classId(held.get()) == kaUINT32_CLASS ? *static_cast<const std::uint32_t*>(data)
-                                                             : *static_cast<const double*>(data);
+        return matrix::classId(held.get()) == kaUINT32_CLASS
+                   ? *static_cast<const std::uint32_t*>(data)
+                   : *static_cast<const double*>(data);
     }
 };
 
 TEST_F(Declared, EntriesByTheTypesOfTheFunction) {
-    const DeclaredBuiltin done(std::move(Builtin("f").def(&add, pure).def(&addThree, pure).def(&length, pure)));
+    const DeclaredBuiltin done(
+        std::move(Builtin("f").def(&add, pure).def(&addThree, pure).def(&length, pure)));
     const auto& all = done.lists().all;
-    const auto add2 = std::find_if(all.begin(), all.end(), [](const auto& v) { return v.inputArgTypes.size() == 2; });
-    EXPECT_EQ(add2->functionDescriptor.typedEntry, builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, 1, 1, 6));
+    const auto add2 = std::find_if(all.begin(), all.end(),
+                                   [](const auto& v) { return v.inputArgTypes.size() == 2; });
+    EXPECT_EQ(add2->functionDescriptor.typedEntry,
+              builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, 1, 1, 6));
     EXPECT_EQ(all.size(), 2u + 2u) << "without StringSupport, no scalar-string signature";
 
     const ka::ArrayPtr one = ka::scalar(1.0), two = ka::scalar<std::int32_t>(2);
@@ -67,30 +89,45 @@ TEST_F(Declared, EntriesByTheTypesOfTheFunction) {
 
 TEST_F(Declared, ArraysAreHeldForTheCallAndOwnedReferencesHandedOver) {
     const ka::ArrayPtr row = ka::row({7.0, 8.0});
-    EXPECT_EQ(callForDouble(DeclaredBuiltin(std::move(Builtin("b").def(&countBorrowed, pure))), {row.get()}), 2);
-    EXPECT_EQ(callForDouble(DeclaredBuiltin(std::move(Builtin("o").def(&countOwned, pure))), {row.get()}), 2);
-    EXPECT_EQ(callForDouble(DeclaredBuiltin(std::move(Builtin("v").def(&firstOf, pure))), {row.get()}), 7);
-    EXPECT_THROW(callForDouble(DeclaredBuiltin(std::move(Builtin("f").def(&fails, pure))), {row.get(), ka::scalar(1.0).get()}),
+    EXPECT_EQ(callForDouble(DeclaredBuiltin(std::move(Builtin("b").def(&countBorrowed, pure))),
+                            {row.get()}),
+              2);
+    EXPECT_EQ(
+        callForDouble(DeclaredBuiltin(std::move(Builtin("o").def(&countOwned, pure))), {row.get()}),
+        2);
+    EXPECT_EQ(
+        callForDouble(DeclaredBuiltin(std::move(Builtin("v").def(&firstOf, pure))), {row.get()}),
+        7);
+    EXPECT_THROW(callForDouble(DeclaredBuiltin(std::move(Builtin("f").def(&fails, pure))),
+                               {row.get(), ka::scalar(1.0).get()}),
                  std::runtime_error);
     EXPECT_EQ(row->refCount, 1u);
 }
 
 TEST_F(Declared, BehaviourHasSafeDefaults) {
-    const DeclaredBuiltin unsure(std::move(Builtin("a").def(&add))), sure(std::move(Builtin("b").def(&add, pure)));
-    EXPECT_EQ(unsure.lists().all[0].orroSupportLevel, OrroSupportLevel::NO_SUPPORT);  // may call back
+    const DeclaredBuiltin unsure(std::move(Builtin("a").def(&add))),
+        sure(std::move(Builtin("b").def(&add, pure)));
+    EXPECT_EQ(unsure.lists().all[0].orroSupportLevel,
+              OrroSupportLevel::NO_SUPPORT);  // may call back
     EXPECT_EQ(unsure.lists().all[0].mayHaveSideEffects, BuiltinVariant::HasSideEffects::YES);
     EXPECT_EQ(sure.lists().all[0].orroSupportLevel, OrroSupportLevel::EQUIVALENT_SUPPORT);
     EXPECT_EQ(sure.lists().searchedByOrro.size(), 1u);
 }
 
-double sizeOf(Array<double> values) { return static_cast<double>(values.size()); }
-double cellCount(ScalarArray<matrix::cell> cells) { return static_cast<double>(cells.size()); }
+double sizeOf(Array<double> values) {
+    return static_cast<double>(values.size());
+}
+double cellCount(ScalarArray<matrix::cell> cells) {
+    return static_cast<double>(cells.size());
+}
 
 // The engine calls a boxing variant's entry with unboxed values (two builtins: one signature twice
 // would be unreachable).
 TEST_F(Declared, BoxingVariantsServeTheEngine) {
-    const DeclaredBuiltin sizes(std::move(Builtin("size").def(&sizeOf, pure, boxed<double>(), cppName("size"))));
-    const DeclaredBuiltin counts(std::move(Builtin("cells").def(&cellCount, pure, boxed<double>(), cppName("cells"))));
+    const DeclaredBuiltin sizes(
+        std::move(Builtin("size").def(&sizeOf, pure, boxed<double>(), cppName("size"))));
+    const DeclaredBuiltin counts(
+        std::move(Builtin("cells").def(&cellCount, pure, boxed<double>(), cppName("cells"))));
     std::vector<const BuiltinVariant*> boxing;
     for (const DeclaredBuiltin* done : {&sizes, &counts}) {
         for (const BuiltinVariant& v : done->lists().searchedByOrro) {
@@ -103,7 +140,8 @@ TEST_F(Declared, BoxingVariantsServeTheEngine) {
         EXPECT_EQ(v->orroSupportLevel, OrroSupportLevel::ORRO_ONLY);
         bool pending = true;
         auto* descriptor = const_cast<OrroFunctionDescriptor*>(&v->functionDescriptor);
-        const Parameter result = descriptor->typedEntry(descriptor, &environment, pending, {Parameter(3.0)});
+        const Parameter result =
+            descriptor->typedEntry(descriptor, &environment, pending, {Parameter(3.0)});
         if (v->cppFunctionName == "size") {
             EXPECT_FALSE(pending);
             EXPECT_EQ(boost::get<double>(result), 1);
@@ -114,13 +152,19 @@ TEST_F(Declared, BoxingVariantsServeTheEngine) {
     }
 }
 
-double negate(double x) { return -x; }
-double absolute(double x) { return x < 0 ? -x : x; }
+double negate(double x) {
+    return -x;
+}
+double absolute(double x) {
+    return x < 0 ? -x : x;
+}
 
-std::vector<std::string> findingsOf(LintFinding::Kind kind, Builtin&& builtin) {  // sorted "f: name"
+std::vector<std::string> findingsOf(LintFinding::Kind kind,
+                                    Builtin&& builtin) {  // sorted "f: name"
     std::vector<std::string> names;
     for (const auto& finding : lintVariantLists("f", DeclaredBuiltin(std::move(builtin)).lists())) {
-        if (finding.kind == kind) names.push_back(finding.message.substr(0, finding.message.find('(')));
+        if (finding.kind == kind)
+            names.push_back(finding.message.substr(0, finding.message.find('(')));
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -128,13 +172,16 @@ std::vector<std::string> findingsOf(LintFinding::Kind kind, Builtin&& builtin) {
 
 TEST(Lint, FindsUnreachableAndLoweredVariants) {
     // absolute has negate's signature; every double array goes to negate before sizeOf.
-    EXPECT_EQ(findingsOf(LintFinding::Kind::UNREACHABLE, std::move(Builtin("f")
-                                                                     .def(&negate, pure, elementwise, cppName("negate"))
-                                                                     .def(&absolute, pure, elementwise, cppName("absolute"))
-                                                                     .def(&sizeOf, pure, cppName("sizeOf")))),
+    EXPECT_EQ(findingsOf(LintFinding::Kind::UNREACHABLE,
+                         std::move(Builtin("f")
+                                       .def(&negate, pure, elementwise, cppName("negate"))
+                                       .def(&absolute, pure, elementwise, cppName("absolute"))
+                                       .def(&sizeOf, pure, cppName("sizeOf")))),
               (std::vector<std::string>{"f: absolute", "f: sizeOf"}));
     EXPECT_EQ(findingsOf(LintFinding::Kind::LOWERED,
-                         std::move(Builtin("f").def(&firstOf, noSideEffects, cppName("callsBack")).def(&sizeOf, pure, cppName("pure")))),
+                         std::move(Builtin("f")
+                                       .def(&firstOf, noSideEffects, cppName("callsBack"))
+                                       .def(&sizeOf, pure, cppName("pure")))),
               std::vector<std::string>{"f: pure"});
 }
 
@@ -149,9 +196,12 @@ void writesTooFar(int, kaArray_tag** plhs, int, kaArray_tag**, OrroFunctionDescr
 }
 
 TEST_F(Declared, DefaultImplementationsAreGuarded) {
-    EXPECT_THROW(callForDouble(DeclaredBuiltin(std::move(Builtin("u").fallback(&leavesOutputUnassigned, pure))), {}),
-                 UnassignedOutputsException);
-    EXPECT_EQ(callForDouble(DeclaredBuiltin(std::move(Builtin("w").fallback(&warns, pure))), {}), 1);  // may warn
+    EXPECT_THROW(
+        callForDouble(
+            DeclaredBuiltin(std::move(Builtin("u").fallback(&leavesOutputUnassigned, pure))), {}),
+        UnassignedOutputsException);
+    EXPECT_EQ(callForDouble(DeclaredBuiltin(std::move(Builtin("w").fallback(&warns, pure))), {}),
+              1);  // may warn
 }
 
 TEST(DeclaredDeathTest, DefaultImplementationsThatBreakTheirWordStop) {

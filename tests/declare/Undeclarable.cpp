@@ -3,7 +3,9 @@
 
 #include <builtin/declare/declare.hpp>
 
-double total(std::vector<int> values) { return static_cast<double>(values.size()); }
+double total(std::vector<int> values) {
+    return static_cast<double>(values.size());
+}
 
 int main() {
     Norvane::builtin::declare::Builtin builtin("total");

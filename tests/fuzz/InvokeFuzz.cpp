@@ -54,19 +54,21 @@ const Builtins& builtins() {
     static const Builtins found = [] {
         const declare::ModuleDirectory& modules = fuzz::sampleModules();
         Builtins result;
-        for (const auto& [name, module] : modules.list()) result.byName.push_back(modules.find(name));
+        for (const auto& [name, module] : modules.list())
+            result.byName.push_back(modules.find(name));
         result.counter = modules.find("counter");
-        if (result.byName.empty() || result.counter == nullptr) fuzz::fail("the sample module did not start");
+        if (result.byName.empty() || result.counter == nullptr)
+            fuzz::fail("the sample module did not start");
         return result;
     }();
     return found;
 }
 
-constexpr std::array kNumericClasses = {kaLOGICAL_CLASS, kaCHAR_CLASS,  kaDOUBLE_CLASS, kaSINGLE_CLASS,
-                                        kaINT8_CLASS,    kaUINT8_CLASS, kaINT16_CLASS,  kaUINT16_CLASS,
-                                        kaINT32_CLASS,   kaUINT32_CLASS, kaINT64_CLASS, kaUINT64_CLASS};
+constexpr std::array kNumericClasses = {
+    kaLOGICAL_CLASS, kaCHAR_CLASS,   kaDOUBLE_CLASS, kaSINGLE_CLASS, kaINT8_CLASS,  kaUINT8_CLASS,
+    kaINT16_CLASS,   kaUINT16_CLASS, kaINT32_CLASS,  kaUINT32_CLASS, kaINT64_CLASS, kaUINT64_CLASS};
 // The flag words of the sample's builtins, and texts that are easy to get wrong.
-constexpr std::array<std::u16string_view, 8> kWords = {u"even", u"away", u"ascend", u"descend",
+constexpr std::array<std::u16string_view, 8> kWords = {u"even", u"away", u"ascend",      u"descend",
                                                        u"",     u"x",    u"stra\u00dfe", u"\xd800"};
 constexpr std::array<std::string_view, 3> kFieldNames = {"a", "b", "c"};
 // Class ids that no bundle hands out (the string class is 19, the class bundle's from 20).
@@ -147,7 +149,8 @@ ka::ArrayPtr sparse(Input& in) {
         e.column = in.below(columns);
         const auto re = static_cast<std::int8_t>(in.byte());
         const auto im = complex ? static_cast<std::int8_t>(in.byte()) : 0;
-        e.value = classId == kaLOGICAL_CLASS ? std::complex<double>(re & 1) : std::complex<double>(re, im);
+        e.value = classId == kaLOGICAL_CLASS ? std::complex<double>(re & 1)
+                                             : std::complex<double>(re, im);
     }
     return ka::createSparse(classId, rows, columns, entries, complex ? kaCOMPLEX : kaREAL);
 }
@@ -278,7 +281,8 @@ private:
         const ka::Dims dims = in.flag() ? ka::Dims{1, 1} : readDims(in);
         std::vector<std::string> fields;
         if (isStruct) {
-            for (std::size_t i = 0, n = in.below(kFieldNames.size() + 1); i < n; ++i) fields.emplace_back(kFieldNames[i]);
+            for (std::size_t i = 0, n = in.below(kFieldNames.size() + 1); i < n; ++i)
+                fields.emplace_back(kFieldNames[i]);
         }
         std::vector<ka::ArrayPtr> elements(product(dims) * (isStruct ? fields.size() : 1));
         for (ka::ArrayPtr& element : elements) {
@@ -305,9 +309,11 @@ private:
 void checkClassification(const kaArray_tag* array) {
     const types::ArgType type = types::getArgTypeOfKaArray(array);
     try {
-        if (!(types::classifyKaArray(array).first == type)) fuzz::fail("the two classifications disagree");
+        if (!(types::classifyKaArray(array).first == type))
+            fuzz::fail("the two classifications disagree");
     } catch (const std::invalid_argument&) {
-        if (!std::holds_alternative<types::UnsupportedArgType>(type)) fuzz::fail("a refused array has a type");
+        if (!std::holds_alternative<types::UnsupportedArgType>(type))
+            fuzz::fail("a refused array has a type");
     }
     // The stream form converts a flag's text to UTF-8, which refuses unpaired surrogates.
     try {
@@ -337,8 +343,8 @@ void call(Input& in) {
 
         std::array<kaArray_tag*, 2> plhs = {nullptr, nullptr};
         try {
-            fcn.invoke(nlhs, noOutputArray ? nullptr : plhs.data(), static_cast<int>(arguments.prhs().size()),
-                       arguments.prhs().data(), lists);
+            fcn.invoke(nlhs, noOutputArray ? nullptr : plhs.data(),
+                       static_cast<int>(arguments.prhs().size()), arguments.prhs().data(), lists);
         } catch (const foundation::core::except::IException&) {
         } catch (const std::logic_error&) {
         } catch (const std::exception& e) {
@@ -358,7 +364,9 @@ void call(Input& in) {
         matrix::destroyArray(temporary);
         left = 0;
     }
-    if (left != 0) fuzz::fail(fcn.getName() + ": " + std::to_string(left) + " arrays alive (or freed twice) after the call");
+    if (left != 0)
+        fuzz::fail(fcn.getName() + ": " + std::to_string(left) +
+                   " arrays alive (or freed twice) after the call");
 }
 
 }  // namespace

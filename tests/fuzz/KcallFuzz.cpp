@@ -35,7 +35,8 @@ public:
     const Norvane::builtin::BuiltinFcn* find(std::string_view name) const override {
         return fuzz::sampleModules().find(name);
     }
-    const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(std::string_view name) const override {
+    const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(
+        std::string_view name) const override {
         return fuzz::sampleModules().lists(name);
     }
 };
@@ -112,6 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (value != nullptr && matrix::numberOfElements(value) > kMaxElements) break;
         }
     }
-    if (ka::liveArrayCount() != before) fuzz::fail("the session left arrays alive, or freed some twice");
+    if (ka::liveArrayCount() != before)
+        fuzz::fail("the session left arrays alive, or freed some twice");
     return 0;
 }

@@ -14,8 +14,8 @@
 #include <string_view>
 #include <unordered_set>
 
-#include <builtin/objects/OrroObjectRuntimeInfo.hpp>
 #include <cppmicroservices/Any.h>
+#include <builtin/objects/OrroObjectRuntimeInfo.hpp>
 #include <fl/diag.hpp>
 #include <foundation/cppmicroservices/manifest.hpp>
 
@@ -30,21 +30,26 @@ constexpr std::size_t kDecorationLength = 23;  // the demangler's suffix, which 
 const cppmicroservices::AnyMap& sectionOf(const cppmicroservices::AnyMap& manifest) {
     const auto found = manifest.find("orro_objects");
     if (found != manifest.end()) {
-        if (const auto* section = cppmicroservices::any_cast<cppmicroservices::AnyMap>(&found->second)) return *section;
+        if (const auto* section =
+                cppmicroservices::any_cast<cppmicroservices::AnyMap>(&found->second))
+            return *section;
     }
     return manifest;
 }
 
 // Every entry of a stored section is in the table with the information it gave.
-void checkStored(const cppmicroservices::AnyMap& section, const std::unordered_set<std::string>& names) {
+void checkStored(const cppmicroservices::AnyMap& section,
+                 const std::unordered_set<std::string>& names) {
     std::unordered_set<std::string> expected;
     for (const auto& [key, entry] : section) {
         const auto& fields = cppmicroservices::ref_any_cast<cppmicroservices::AnyMap>(entry);
-        const OrroObjectRuntimeInfo given{cppmicroservices::ref_any_cast<std::string>(fields.at("kaClassName")),
-                                          static_cast<std::size_t>(cppmicroservices::any_cast<int>(fields.at("variantId")))};
+        const OrroObjectRuntimeInfo given{
+            cppmicroservices::ref_any_cast<std::string>(fields.at("kaClassName")),
+            static_cast<std::size_t>(cppmicroservices::any_cast<int>(fields.at("variantId")))};
         std::string name = foundation::core::diag::detail::demangle_typeid_name(key.c_str(), true);
         name.resize(name.size() - kDecorationLength);
-        if (!(getOrroObjectRuntimeInfo(name) == given)) fuzz::fail("stored entry " + key + " reads back otherwise");
+        if (!(getOrroObjectRuntimeInfo(name) == given))
+            fuzz::fail("stored entry " + key + " reads back otherwise");
         expected.insert(given.kaClassName);
     }
     if (names != expected) fuzz::fail("the class names returned are not those of the section");
@@ -55,7 +60,8 @@ void checkStored(const cppmicroservices::AnyMap& section, const std::unordered_s
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     cppmicroservices::AnyMap manifest;
     try {
-        manifest = foundation::cppmicroservices::parseManifest(std::string_view(reinterpret_cast<const char*>(data), size));
+        manifest = foundation::cppmicroservices::parseManifest(
+            std::string_view(reinterpret_cast<const char*>(data), size));
     } catch (const std::invalid_argument&) {
         return 0;
     }

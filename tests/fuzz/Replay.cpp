@@ -43,9 +43,11 @@ int main(int argc, char** argv) {
         }
         for (const auto& input : inputsOf(argv[i])) {
             std::ifstream file(input, std::ios::binary);
-            const std::vector<char> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+            const std::vector<char> bytes((std::istreambuf_iterator<char>(file)),
+                                          std::istreambuf_iterator<char>());
             std::fprintf(stderr, "replay: %s\n", input.c_str());
-            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()),
+                                   bytes.size());
             ++count;
         }
     }

@@ -15,7 +15,8 @@ inline const Norvane::builtin::declare::ModuleDirectory& sampleModules() {
         ka::setWarningHandler([](const std::u16string&) {});
         // Never deleted: the fuzzer leaves by exit() from wherever it is.
         return new Norvane::builtin::declare::ModuleDirectory(
-            Norvane::builtin::declare::ModuleDirectory::start({Norvane::builtin::declare::builtinServicesFolder()}));
+            Norvane::builtin::declare::ModuleDirectory::start(
+                {Norvane::builtin::declare::builtinServicesFolder()}));
     }();
     return *modules;
 }

@@ -1,5 +1,6 @@
 // The guards around a developer's function: the checks on an array function's outputs, the per-tavi
-// stack behind the no-call-backs check, the no-warnings guard, and the execution and multi-tavi records.
+// stack behind the no-call-backs check, the no-warnings guard, and the execution and multi-tavi
+// records.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -23,8 +24,8 @@ namespace {
 
 using namespace varianttest;
 using namespace builtinreg::detail;
-using testsupport::fatalReport;
 using foundation::core::except::MessageId;
+using testsupport::fatalReport;
 
 using UnassignedOutputs = testsupport::LiveArrayTest;
 
@@ -40,7 +41,8 @@ TEST_F(UnassignedOutputs, ThrowOnlyWhenAnOutputIsNullAndLeaveNoOutput) {
         throwIfUnassignedOutputs(u"mean", 3, plhs);
         ADD_FAILURE();
     } catch (const UnassignedOutputsException& error) {
-        EXPECT_EQ(error.message_id(), (MessageId{"KELDOR:legacy_two_part", "unassignedOutputs", {u"mean"}}));
+        EXPECT_EQ(error.message_id(),
+                  (MessageId{"KELDOR:legacy_two_part", "unassignedOutputs", {u"mean"}}));
         EXPECT_STREQ(error.what(), "KELDOR:legacy_two_part:unassignedOutputs");
     }
     EXPECT_THAT(plhs, ::testing::Each(nullptr));  // and the fixture sees both arrays gone
@@ -65,11 +67,14 @@ TEST(DefaultImplementationDeathTest, WrongOutputTypeStopsUnlessTheOutputIsAPlain
     plain.complexity = KaArrayTypes::Complexity::UNKNOWN;
     const BuiltinVariant anyArrayOut = makeVariant({.out = {plain}});
     const BuiltinVariant scalarOut = makeVariant({.out = {scalar()}});
-    const ka::ArrayPtr one = ka::scalar(1.0), row = ka::row({1.0, 2.0, 3.0}), text = ka::charArray(std::string_view("ab"));
-    for (const kaArray_tag* array : {one.get(), row.get(), text.get()}) assertLhsWrongType(anyArrayOut, array);
+    const ka::ArrayPtr one = ka::scalar(1.0), row = ka::row({1.0, 2.0, 3.0}),
+                       text = ka::charArray(std::string_view("ab"));
+    for (const kaArray_tag* array : {one.get(), row.get(), text.get()})
+        assertLhsWrongType(anyArrayOut, array);
     assertLhsWrongType(scalarOut, one.get());
-    EXPECT_THAT([&] { assertLhsWrongType(makeVariant({}), one.get()); },
-                ::testing::ThrowsMessage<std::out_of_range>(::testing::StrEq("invalid vector subscript")));
+    EXPECT_THAT(
+        [&] { assertLhsWrongType(makeVariant({}), one.get()); },
+        ::testing::ThrowsMessage<std::out_of_range>(::testing::StrEq("invalid vector subscript")));
     EXPECT_DEATH(assertLhsWrongType(scalarOut, row.get()),
                  fatalReport("incorrect type returned from builtin: \"native\"\nExpected: double\n"
                              "Actual: KaArrayTypes: kaDOUBLE_CLASS ROW FULL NOT_COMPLEX STRICT",
@@ -88,13 +93,16 @@ protected:
     usm::Store store;
     usm::CurrentTavi current{store};
     const BuiltinVariant quiet = makeVariant({.name = "quietFn"});
-    const BuiltinVariant callsBack = makeVariant({.callsBack = V::CallsIntoKeldor::YES, .name = "callsBackFn"});
+    const BuiltinVariant callsBack =
+        makeVariant({.callsBack = V::CallsIntoKeldor::YES, .name = "callsBackFn"});
 };
 using CallsKeldorCheckDeathTest = CallsKeldorCheck;
 
 const std::string callBackReport = fatalReport(
-    "The quietFn implementation of the KELDOR builtin function fn is marked as not calling into keldor, but does."
-    "Need to change builtin doxygen from \"nvDoesNotCallKELDOR true\" to \"nvDoesNotCallKELDOR false\"\n",
+    "The quietFn implementation of the KELDOR builtin function fn is marked as not calling into "
+    "keldor, but does."
+    "Need to change builtin doxygen from \"nvDoesNotCallKELDOR true\" to \"nvDoesNotCallKELDOR "
+    "false\"\n",
     "builtin2/interface/builtin/CallsKeldorCheck");
 
 TEST_F(CallsKeldorCheckDeathTest, OnlyTheInnermostRunningVariantCounts) {
@@ -142,7 +150,8 @@ TEST(AssertIfWarningsDeathTest, StopsAtAnyWarningWithItsText) {
     const std::string opening =
         "builtin: \"fn\" function: \"quietFn\" claims no warnings but generated this warning:\n";
     const std::string path = "builtin2/interface/builtin/CaptureWarnings";
-    EXPECT_DEATH(handler(u"R\u00e9sultat \u2248 0"), fatalReport(opening + "R\u00e9sultat \u2248 0", path));
+    EXPECT_DEATH(handler(u"R\u00e9sultat \u2248 0"),
+                 fatalReport(opening + "R\u00e9sultat \u2248 0", path));
     EXPECT_DEATH(handler(u""), fatalReport(opening, path));
     EXPECT_DEATH(handler(std::u16string(1, char16_t(0xD800))),
                  fatalReport(opening + "<a warning that is not valid UTF-16>", path));

@@ -1,5 +1,6 @@
 // What the tests of the interpreted call share: a BuiltinFcn over lists the test owns, and native
-// functions, called through the real wrapper family, that note which variant ran (by cppFunctionName).
+// functions, called through the real wrapper family, that note which variant ran (by
+// cppFunctionName).
 #pragma once
 
 #include <stdexcept>
@@ -51,32 +52,40 @@ inline Parameter recordingEntry(OrroFunctionDescriptor* d, IOrroBuiltinEnvironme
     return Parameter(static_cast<double>(arguments.size()));
 }
 // The default implementation: answers -1 when asked for an output.
-inline void arrayFunction(int nlhs, kaArray_tag** plhs, int, kaArray_tag**, OrroFunctionDescriptor* d) {
+inline void arrayFunction(int nlhs, kaArray_tag** plhs, int, kaArray_tag**,
+                          OrroFunctionDescriptor* d) {
     seen.ran.push_back(nameOf(d));
     if (nlhs >= 1) plhs[0] = ka::scalar(-1.0).release();
 }
 
 template <class R, class... A>
 TypedEntry wrapperFor() {
-    return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>, parameterIndexOf<A>...);
+    return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>,
+                                                            parameterIndexOf<A>...);
 }
 template <class R, class... A, class F>
-BuiltinVariant nativeVariant(const char* name, std::vector<ArgType> in, std::vector<ArgType> out, F* native) {
-    return makeVariant({.in = std::move(in), .out = std::move(out), .typedEntry = wrapperFor<R, A...>(),
+BuiltinVariant nativeVariant(const char* name, std::vector<ArgType> in, std::vector<ArgType> out,
+                             F* native) {
+    return makeVariant({.in = std::move(in),
+                        .out = std::move(out),
+                        .typedEntry = wrapperFor<R, A...>(),
                         .nativeEntry = reinterpret_cast<NativeEntry>(native),
-                        .convention = JIT_CALLING_CONVENTION::DirectWithDescriptor, .name = name});
+                        .convention = JIT_CALLING_CONVENTION::DirectWithDescriptor,
+                        .name = name});
 }
 inline BuiltinVariant doubleVariant(const char* name, std::vector<ArgType> in = {scalar()}) {
     return nativeVariant<double, double>(name, std::move(in), {scalar()}, &ofDouble);
 }
 inline BuiltinVariant defaultVariant() {
-    return makeVariant({.typedEntry = nullptr, .nativeEntry = reinterpret_cast<NativeEntry>(&arrayFunction),
+    return makeVariant({.typedEntry = nullptr,
+                        .nativeEntry = reinterpret_cast<NativeEntry>(&arrayFunction),
                         .name = "default"});
 }
 
 // Lists that the test keeps alive as long as the builtin; each must be sorted.
 struct Lists {
-    std::vector<BuiltinVariant> noOrro = {}, afterOrro = {}, complexScalar = {}, orro = {}, all = {};
+    std::vector<BuiltinVariant> noOrro = {}, afterOrro = {}, complexScalar = {}, orro = {},
+                                all = {};
 };
 inline VariantArray view(const std::vector<BuiltinVariant>& list) {
     return list.empty() ? VariantArray(nullptr, 0) : VariantArray(list.data(), list.size());
@@ -86,8 +95,9 @@ class TestFcn final : public BuiltinFcn {
 public:
     TestFcn() = default;
     TestFcn(const Lists& l, BuiltinVariant defaultImpl)
-        : BuiltinFcn("testfcn", capabilities::CapabilityList(5), view(l.all), view(l.orro), view(l.afterOrro),
-                     view(l.noOrro), std::move(defaultImpl), nullptr, view(l.complexScalar)) {}
+        : BuiltinFcn("testfcn", capabilities::CapabilityList(5), view(l.all), view(l.orro),
+                     view(l.afterOrro), view(l.noOrro), std::move(defaultImpl), nullptr,
+                     view(l.complexScalar)) {}
     void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
         invoke(nlhs, plhs, nrhs, prhs, Consider::InvokeNoOrro);
     }
@@ -95,11 +105,13 @@ public:
 };
 
 // One call asking for one output; the value of its double result.
-inline double callForOne(const BuiltinFcn& fcn, std::vector<kaArray_tag*> args, Consider consider = Consider::InvokeNoOrro) {
+inline double callForOne(const BuiltinFcn& fcn, std::vector<kaArray_tag*> args,
+                         Consider consider = Consider::InvokeNoOrro) {
     kaArray_tag* plhs[1] = {nullptr};
     fcn.invoke(1, plhs, static_cast<int>(args.size()), args.data(), consider);
     const ka::ArrayPtr result(plhs[0]);
-    if (!result || matrix::classId(result.get()) != kaDOUBLE_CLASS) throw std::logic_error("not a double");
+    if (!result || matrix::classId(result.get()) != kaDOUBLE_CLASS)
+        throw std::logic_error("not a double");
     return static_cast<const double*>(matrix::data(result.get()))[0];
 }
 

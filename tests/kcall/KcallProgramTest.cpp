@@ -1,5 +1,6 @@
-// kcall over the sample module as a user runs it: JSON of literals and of each form of result, statuses
-// of warnings, errors and malformed lines, --list (lint of every builtin), --describe and --explain.
+// kcall over the sample module as a user runs it: JSON of literals and of each form of result,
+// statuses of warnings, errors and malformed lines, --list (lint of every builtin), --describe and
+// --explain.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -34,7 +35,8 @@ Outcome kcall(const std::vector<std::string>& arguments, const std::string& inpu
     FILE* pipe = ::popen((command + " 2>" + errFile).c_str(), "r");
     std::string out;
     std::array<char, 4096> buffer{};
-    while (const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe)) out.append(buffer.data(), n);
+    while (const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
+        out.append(buffer.data(), n);
     const int status = ::pclose(pipe);
     std::ifstream err(errFile);
     std::string errText(std::istreambuf_iterator<char>(err), {});
@@ -48,14 +50,16 @@ TEST(Kcall, JsonOfLiteralsAndOfEachFormOfResult) {
         const char* json;  // the whole line when it starts with '{', else a part of it
     } cases[] = {
         {"-2.5e-3", R"({"class":"double","size":[1,1],"complex":false,"data":[-2.5E-3]})"},
-        {"[Inf -Inf NaN]", R"({"class":"double","size":[1,3],"complex":false,"data":["Inf","-Inf","NaN"]})"},
+        {"[Inf -Inf NaN]",
+         R"({"class":"double","size":[1,3],"complex":false,"data":["Inf","-Inf","NaN"]})"},
         {"3+4i", R"({"class":"double","size":[1,1],"complex":true,"data":[3E0],"imag":[4E0]})"},
         {"int32(5)", R"({"class":"int32","size":[1,1],"complex":false,"data":[5]})"},
         {"[]", R"({"class":"double","size":[0,0],"complex":false,"data":[]})"},
         {"'it''s'", R"({"class":"char","size":[1,4],"complex":false,"data":"it's"})"},
         {"\"abc\"", R"({"class":"string","size":[1,1],"data":"abc"})"},
         {"[plus(1, 1) 3]", R"({"class":"double","size":[1,2],"complex":false,"data":[2E0,3E0]})"},
-        {"plus([1 2], [10; 20])", R"("size":[2,2],"complex":false,"data":[1.1E1,2.1E1,1.2E1,2.2E1])"},
+        {"plus([1 2], [10; 20])",
+         R"("size":[2,2],"complex":false,"data":[1.1E1,2.1E1,1.2E1,2.2E1])"},
         {"minus(int32(-2147483647), int32(5))", R"("data":[-2147483648])"},
         {"times(single(2), single(3))", R"("class":"single")"},
         {"plus(1+2i, 3)", R"("data":[4E0],"imag":[2E0])"},
@@ -79,11 +83,14 @@ TEST(Kcall, JsonOfLiteralsAndOfEachFormOfResult) {
         SCOPED_TRACE(c.line);
         std::string out = kcall({"--json", c.line}).out;
         out = out.substr(0, out.find('\n'));
-        if (*c.json == '{') { EXPECT_EQ(out, c.json); }
+        if (*c.json == '{') {
+            EXPECT_EQ(out, c.json);
+        }
         EXPECT_NE(out.find(c.json), std::string::npos) << out;
         EXPECT_NO_THROW(boost::json::parse(out));
     }
-    const Outcome assigned = kcall({"x = plus(1, 2);", "y = times(x, x)", "plus(y, 1);", "ans", "size([1 2 3; 4 5 6])"});
+    const Outcome assigned =
+        kcall({"x = plus(1, 2);", "y = times(x, x)", "plus(y, 1);", "ans", "size([1 2 3; 4 5 6])"});
     EXPECT_EQ(assigned.status, 0);
     EXPECT_EQ(assigned.out, "y =\n\n     9\n\nans =\n\n    10\n\nans =\n\n     2     3\n\n");
 }
@@ -92,16 +99,19 @@ TEST(Kcall, WarningsErrorsAndStatuses) {
     const Outcome warned = kcall({"sqrt(-1)"});
     EXPECT_EQ(warned.status, 0);
     EXPECT_EQ(warned.err.substr(0, 38), "Warning: sqrt of a negative number is ");
-    const Outcome failed = kcall({"inv(0)", "plus(1, 2)"});  // the first failure ends a run of arguments
+    const Outcome failed =
+        kcall({"inv(0)", "plus(1, 2)"});  // the first failure ends a run of arguments
     EXPECT_EQ(failed.status, 1);
     EXPECT_EQ(failed.err, "Error: inv: the inverse of 0 does not exist\n");
     EXPECT_EQ(failed.out, "");
-    const Outcome session = kcall({}, "inv(0)\nplus(1, 2)\n");  // a session goes on, and fails at the end
+    const Outcome session =
+        kcall({}, "inv(0)\nplus(1, 2)\n");  // a session goes on, and fails at the end
     EXPECT_EQ(session.status, 1);
     EXPECT_EQ(session.out, "ans =\n\n     3\n\n");
     const Outcome json = kcall({"--json", "sqrt(-1)", "inv(0)"});
     EXPECT_NE(json.out.find(R"({"warning":"sqrt of a negative)"), std::string::npos);
-    EXPECT_NE(json.out.find(R"({"error":"inv: the inverse of 0 does not exist"})"), std::string::npos);
+    EXPECT_NE(json.out.find(R"({"error":"inv: the inverse of 0 does not exist"})"),
+              std::string::npos);
 
     // The texts of malformed lines are ParserTest's and SessionTest's; here they fail cleanly.
     EXPECT_EQ(kcall({"round(2.5, \"sideways\")"}).status, 1);
@@ -122,18 +132,26 @@ TEST(Kcall, ListDescribeAndExplain) {
     for (std::string name, module; list >> name >> module;) names.push_back(name);
     EXPECT_EQ(names.size(), 15u);
     for (const std::string& name : names) {
-        EXPECT_NE(kcall({"--describe", name}).out.find("lint: nothing to report"), std::string::npos) << name;
+        EXPECT_NE(kcall({"--describe", name}).out.find("lint: nothing to report"),
+                  std::string::npos)
+            << name;
     }
     EXPECT_NE(kcall({"--list"}).out.find("plus  (sample)\n"), std::string::npos);
     const Outcome described = kcall({"--describe", "round"});
-    EXPECT_NE(described.out.find("roundEven(double, keldor_string<literal_flag<\"even\">>) -> double"), std::string::npos);
+    EXPECT_NE(
+        described.out.find("roundEven(double, keldor_string<literal_flag<\"even\">>) -> double"),
+        std::string::npos);
     EXPECT_NE(described.out.find("lint: nothing to report"), std::string::npos);
     EXPECT_EQ(kcall({"--describe", "nothing"}).status, 1);
     const Outcome explained = kcall({"--explain", "plus(int32(1), int32(2))"});
-    EXPECT_NE(explained.out.find("1. plus(double, double) -> double: refused: input 1 is int32 1x1"), std::string::npos);
-    EXPECT_NE(explained.out.find("plus(int32, int32) -> int32: takes the call\n"), std::string::npos);
-    EXPECT_NE(kcall({"--explain", "plus([1 2], [3 4])"}).out.find("takes the call, element by element"),
+    EXPECT_NE(
+        explained.out.find("1. plus(double, double) -> double: refused: input 1 is int32 1x1"),
+        std::string::npos);
+    EXPECT_NE(explained.out.find("plus(int32, int32) -> int32: takes the call\n"),
               std::string::npos);
+    EXPECT_NE(
+        kcall({"--explain", "plus([1 2], [3 4])"}).out.find("takes the call, element by element"),
+        std::string::npos);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-// Registration of object types and package functions, and the class provider's answers, with strict mock
-// services present as BUILTIN_TEST_SERVICES says ("provider", "register", "none"; both when unset).
+// Registration of object types and package functions, and the class provider's answers, with strict
+// mock services present as BUILTIN_TEST_SERVICES says ("provider", "register", "none"; both when
+// unset).
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/objects/objects.hpp>
 #include <builtin/services/services.hpp>
@@ -39,19 +40,23 @@ const bool withRegister = hasService("register");
 class MockClassProvider : public IZOBJRegWrapper {
 public:
     MOCK_METHOD(std::string, getClassName, (kaClassID), (const, override));
-    MOCK_METHOD(void, registerPackageFunction, (const std::vector<std::string>&, const std::string&,
-                Zfh_KELDOR_fn*), (override));
+    MOCK_METHOD(void, registerPackageFunction,
+                (const std::vector<std::string>&, const std::string&, Zfh_KELDOR_fn*), (override));
     MOCK_METHOD(kaClassID, getClassIdByName, (const std::string&), (const, override));
     MOCK_METHOD(OrroObject&, fromKaArray, (const kaArray_tag*, bool), (const, override));
     MOCK_METHOD(OwnedArray, toKaArray, (OrroObject*, unsigned), (const, override));
-    MOCK_METHOD(OwnedArray, toKaArray, (boost::intrusive_ptr<const OrroObject>&&, const char*), (const, override));
+    MOCK_METHOD(OwnedArray, toKaArray, (boost::intrusive_ptr<const OrroObject>&&, const char*),
+                (const, override));
     MOCK_METHOD(kaClassID, getClassId, (const kaArray_tag*), (const, override));
     MOCK_METHOD(std::size_t, getVariantId, (const kaArray_tag*), (const, override));
-    MOCK_METHOD(const ts::iTypeExpression*, getOrroObjectType, (kaClassID, std::size_t), (const, override));
+    MOCK_METHOD(const ts::iTypeExpression*, getOrroObjectType, (kaClassID, std::size_t),
+                (const, override));
     MOCK_METHOD(bool, getObjectTypeFlag, (const kaArray_tag*), (const, override));
     MOCK_METHOD(void, setZfhFinder, (std::string, ZfhFinder), (override));
-    MOCK_METHOD(void, addMethod, (zobj::ZobjClass*, const std::string&, const std::string&,
-                const zobj::MemberAccess&, bool, bool, bool), (override));
+    MOCK_METHOD(void, addMethod,
+                (zobj::ZobjClass*, const std::string&, const std::string&,
+                 const zobj::MemberAccess&, bool, bool, bool),
+                (override));
 };
 
 class MockObjectRegister : public IOrroObjectRegister {
@@ -59,12 +64,18 @@ public:
     MOCK_METHOD(bool, isOrroObjectRegistered, (kaClassID, std::size_t), (const, override));
     MOCK_METHOD(void, registerOrroObject, (kaClassID, std::size_t, bool), (override));
     MOCK_METHOD(void, registerOrroObject, (kaClassID, std::size_t), (override));
-    MOCK_METHOD(void, registerOrroObjectDefaultIndexingMethods, (kaClassID, std::size_t, bool,
-                const Norvane::orro::OrroObjectDefaultIndexingMethods&), (override));
-    MOCK_METHOD(void, registerParenReferenceVariant, (kaClassID, std::size_t, const OrroFunctionDescriptor&,
-                const OrroFunctionDescriptor&, std::string, NameRange), (override));
-    MOCK_METHOD(void, registerParenAssignVariant, (kaClassID, std::size_t, const OrroFunctionDescriptor&,
-                const OrroFunctionDescriptor&, std::string, NameRange, bool), (override));
+    MOCK_METHOD(void, registerOrroObjectDefaultIndexingMethods,
+                (kaClassID, std::size_t, bool,
+                 const Norvane::orro::OrroObjectDefaultIndexingMethods&),
+                (override));
+    MOCK_METHOD(void, registerParenReferenceVariant,
+                (kaClassID, std::size_t, const OrroFunctionDescriptor&,
+                 const OrroFunctionDescriptor&, std::string, NameRange),
+                (override));
+    MOCK_METHOD(void, registerParenAssignVariant,
+                (kaClassID, std::size_t, const OrroFunctionDescriptor&,
+                 const OrroFunctionDescriptor&, std::string, NameRange, bool),
+                (override));
 };
 
 // Log records on one channel, all at severity 256.
@@ -103,7 +114,8 @@ protected:
 
     // The record of a registration skipped for missing services.
     static std::string missingServices(const std::string& action) {
-        return "Unable to " + action + ", Details:" + (withProvider ? "" : " zobj Reg Service not available.") +
+        return "Unable to " + action +
+               ", Details:" + (withProvider ? "" : " zobj Reg Service not available.") +
                (withRegister ? "" : " orroRegService not available.");
     }
 
@@ -119,17 +131,23 @@ TEST_F(Registration, EachHelperReachesItsOperationOrLogsWhyNot) {
     const OrroFunctionDescriptor first{}, second{};
     std::string names[] = {"a", "b"};
     const boost::iterator_range<std::string*> range(std::begin(names), std::end(names));
-    const auto& methods = *reinterpret_cast<const Norvane::orro::OrroObjectDefaultIndexingMethods*>(&first);
+    const auto& methods =
+        *reinterpret_cast<const Norvane::orro::OrroObjectDefaultIndexingMethods*>(&first);
     if (withProvider && withRegister) {
-        EXPECT_CALL(*provider_, getClassIdByName("Known")).Times(6).WillRepeatedly(Return(knownClass));
+        EXPECT_CALL(*provider_, getClassIdByName("Known"))
+            .Times(6)
+            .WillRepeatedly(Return(knownClass));
         // Repeats are not filtered; the two forms reach two operations.
         EXPECT_CALL(*register_, registerOrroObject(knownClass, 3)).Times(2);
         EXPECT_CALL(*register_, registerOrroObject(knownClass, 3, true));
-        EXPECT_CALL(*register_, registerOrroObjectDefaultIndexingMethods(knownClass, 3, false, testing::Ref(methods)));
-        EXPECT_CALL(*register_, registerParenReferenceVariant(knownClass, 3, testing::Ref(first), testing::Ref(second),
-                                                              "subsref", range));
-        EXPECT_CALL(*register_, registerParenAssignVariant(knownClass, 3, testing::Ref(first), testing::Ref(second),
-                                                           "subsasgn", range, true));
+        EXPECT_CALL(*register_, registerOrroObjectDefaultIndexingMethods(knownClass, 3, false,
+                                                                         testing::Ref(methods)));
+        EXPECT_CALL(*register_,
+                    registerParenReferenceVariant(knownClass, 3, testing::Ref(first),
+                                                  testing::Ref(second), "subsref", range));
+        EXPECT_CALL(*register_,
+                    registerParenAssignVariant(knownClass, 3, testing::Ref(first),
+                                               testing::Ref(second), "subsasgn", range, true));
     }
     EXPECT_FALSE(builtinreg::isAKnownOrroObject(knownClass));
     builtinreg::registerOrroObjectHelper("Known", 3);
@@ -140,11 +158,13 @@ TEST_F(Registration, EachHelperReachesItsOperationOrLogsWhyNot) {
     builtinreg::registerParenReferenceVariant("Known", 3, first, second, "subsref", range);
     builtinreg::registerParenAssignVariant("Known", 3, first, second, "subsasgn", range, true);
 
-    const Texts missing = {missingServices("register OrroObjects"), missingServices("register OrroObjects"),
-                           missingServices("register OrroObjects"),
-                           missingServices("register OrroObject default indexing methods"),
-                           missingServices("register OrroObject optimized ParenReference indexing method"),
-                           missingServices("register OrroObject optimized ParenAssign indexing method")};
+    const Texts missing = {
+        missingServices("register OrroObjects"),
+        missingServices("register OrroObjects"),
+        missingServices("register OrroObjects"),
+        missingServices("register OrroObject default indexing methods"),
+        missingServices("register OrroObject optimized ParenReference indexing method"),
+        missingServices("register OrroObject optimized ParenAssign indexing method")};
     EXPECT_EQ(records.texts(), withProvider && withRegister ? Texts{} : missing);
 }
 
@@ -153,12 +173,14 @@ TEST_F(Registration, AnUnknownClassIsLeftOutAndAFailingRegisterLeavesTheClassKno
     const ChannelRecords records("builtinservice::registerOrroObject");
     EXPECT_CALL(*provider_, getClassIdByName("Unknown")).WillOnce(Return(kaUNKNOWN_CLASS));
     builtinreg::registerOrroObjectHelper("Unknown", 0);
-    EXPECT_EQ(records.texts(), Texts{"Unable to register OrroObjects, Details: unknown class 'Unknown'"});
+    EXPECT_EQ(records.texts(),
+              Texts{"Unable to register OrroObjects, Details: unknown class 'Unknown'"});
     EXPECT_FALSE(builtinreg::isAKnownOrroObject(kaUNKNOWN_CLASS));
 
     const auto failing = static_cast<kaClassID>(41);
     EXPECT_CALL(*provider_, getClassIdByName("Failing")).WillOnce(Return(failing));
-    EXPECT_CALL(*register_, registerOrroObject(failing, 0)).WillOnce(testing::Throw(std::runtime_error("refused")));
+    EXPECT_CALL(*register_, registerOrroObject(failing, 0))
+        .WillOnce(testing::Throw(std::runtime_error("refused")));
     EXPECT_THROW(builtinreg::registerOrroObjectHelper("Failing", 0), std::runtime_error);
     EXPECT_TRUE(builtinreg::isAKnownOrroObject(failing));
 }
@@ -173,8 +195,9 @@ TEST_F(Registration, PackageFunctionsGoToTheProviderOrAreLogged) {
     }
     builtinreg::registerPackageFunctionHelper({"a", "b"}, "f", function);
     builtinreg::registerPackageFunctionHelper({}, "f", function);
-    const Texts missing = {"Unable to register a.b.f because IZOBJRegWrapper cppmicroservice could not be found.",
-                           "Unable to register .f because IZOBJRegWrapper cppmicroservice could not be found."};
+    const Texts missing = {
+        "Unable to register a.b.f because IZOBJRegWrapper cppmicroservice could not be found.",
+        "Unable to register .f because IZOBJRegWrapper cppmicroservice could not be found."};
     EXPECT_EQ(records.texts(), withProvider ? Texts{} : missing);
 }
 
@@ -195,7 +218,8 @@ TEST_F(Registration, IdentitiesAndObjectsWithOrWithoutTheProvider) {
         EXPECT_EQ(orroobject::toKaArray(std::move(kept), "t"), nullptr);
         EXPECT_EQ(kept, object);
         EXPECT_THAT([] { orroobject::fromKaArray(nullptr); },
-                    testing::ThrowsMessage<std::runtime_error>(testing::StrEq("Cannot get OrroObject runtime provider service")));
+                    testing::ThrowsMessage<std::runtime_error>(
+                        testing::StrEq("Cannot get OrroObject runtime provider service")));
         EXPECT_THROW(orroobject::setZfhFinder("x", {}), std::runtime_error);
     }
     // A null object boxes to a null array without asking the provider.

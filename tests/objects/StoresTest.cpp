@@ -1,5 +1,6 @@
-// Process-wide object stores, each case in a fresh process: the runtime-information table (by demangled
-// name, lookup handler, whole manifests for readers), identity stores and the fatal identity checks.
+// Process-wide object stores, each case in a fresh process: the runtime-information table (by
+// demangled name, lookup handler, whole manifests for readers), identity stores and the fatal
+// identity checks.
 #include <builtin/objects/OrroObjectIdentity.hpp>
 #include <builtin/objects/OrroObjectRegistration.hpp>
 #include <builtin/objects/OrroObjectRuntimeInfo.hpp>
@@ -32,7 +33,8 @@ using Info = OrroObjectRuntimeInfo;
 
 // The "orro_objects" section of the manifest {"orro_objects": <json>}.
 cppmicroservices::AnyMap section(const std::string& json) {
-    const auto manifest = foundation::cppmicroservices::parseManifest(R"({"orro_objects": )" + json + "}");
+    const auto manifest =
+        foundation::cppmicroservices::parseManifest(R"({"orro_objects": )" + json + "}");
     return cppmicroservices::ref_any_cast<cppmicroservices::AnyMap>(manifest.at("orro_objects"));
 }
 
@@ -47,18 +49,21 @@ std::string getError(const std::string& name) {
 
 TEST(AddOrroObjectRuntimeInfo, StoresByDemangledNameAndAnswersWithTheClassNames) {
     EXPECT_EQ(addOrroObjectRuntimeInfo(section("{}")), Names{});
-    EXPECT_EQ(getError("a::A"), "Error while trying to get a::A runtime info. Details: a::A is not "
-                                "found as a saved orro object.\nOrroObjects:\n");
+    EXPECT_EQ(getError("a::A"),
+              "Error while trying to get a::A runtime info. Details: a::A is not "
+              "found as a saved orro object.\nOrroObjects:\n");
     const std::string manifest = R"({
         "N1a5PointE": {"kaClassName": "geo.Point", "variantId": 0, "comment": "ignored"},
         "N1b5PointE": {"kaClassName": "geo.Point", "variantId": 1},
         "N1a4LineE":  {"kaClassName": "geo.Line", "variantId": 7}})";
-    for (int twice = 0; twice < 2; ++twice) EXPECT_EQ(addOrroObjectRuntimeInfo(section(manifest)), (Names{"geo.Point", "geo.Line"}));
+    for (int twice = 0; twice < 2; ++twice)
+        EXPECT_EQ(addOrroObjectRuntimeInfo(section(manifest)), (Names{"geo.Point", "geo.Line"}));
     EXPECT_EQ(getOrroObjectRuntimeInfo("a::Point"), (Info{"geo.Point", 0}));
     EXPECT_EQ(getOrroObjectRuntimeInfo("b::Point"), (Info{"geo.Point", 1}));
     EXPECT_EQ(getOrroObjectRuntimeInfo("a::Line"), (Info{"geo.Line", 7}));
     // The mangled key is no name to look up; the message lists the stored names.
-    for (const char* line : {"N1a4LineE runtime info. Details: N1a4LineE is not found", "'a::Point'\n", "'b::Point'\n", "'a::Line'\n"}) {
+    for (const char* line : {"N1a4LineE runtime info. Details: N1a4LineE is not found",
+                             "'a::Point'\n", "'b::Point'\n", "'a::Line'\n"}) {
         EXPECT_THAT(getError("N1a4LineE"), testing::HasSubstr(line));
     }
     // Two keys of one class that agree make one entry. Keys are walked in order: 1B is stored,
@@ -85,10 +90,12 @@ TEST(GetOrroObjectRuntimeInfo, AsksTheLookupFailureHandlerForWhatTheTableLacks) 
     EXPECT_THROW(getOrroObjectRuntimeInfo("h::Unknown"), GetOrroObjectRuntimeInfoError);
     EXPECT_EQ(asked, (std::vector<std::string>{"h::Known", "h::Known", "h::Unknown"}));
     // The handler's answer was not stored: the table takes other information, and wins.
-    addOrroObjectRuntimeInfo(section(R"({"N1h5KnownE": {"kaClassName": "FromTable", "variantId": 5}})"));
+    addOrroObjectRuntimeInfo(
+        section(R"({"N1h5KnownE": {"kaClassName": "FromTable", "variantId": 5}})"));
     EXPECT_EQ(getOrroObjectRuntimeInfo("h::Known"), (Info{"FromTable", 5}));
 
-    testhelp::handleOrroObjectLookupFailure([](const std::string&) -> std::optional<Info> { throw std::runtime_error("x"); });
+    testhelp::handleOrroObjectLookupFailure(
+        [](const std::string&) -> std::optional<Info> { throw std::runtime_error("x"); });
     EXPECT_THROW(getOrroObjectRuntimeInfo("h::Other"), std::runtime_error);
     testhelp::handleOrroObjectLookupFailure({});
     EXPECT_THROW(getOrroObjectRuntimeInfo("h::Other"), GetOrroObjectRuntimeInfoError);
@@ -102,7 +109,8 @@ TEST(OrroObjectRuntimeInfoConcurrency, AReaderSeesAManifestWholeOrNotAtAll) {
     const auto ns = [](int w, int m) { return "w" + std::to_string(w) + "_m" + std::to_string(m); };
     const auto found = [&](int w, int m, int c) {
         try {
-            return getOrroObjectRuntimeInfo(ns(w, m) + "::C" + std::to_string(c)).kaClassName == "K";
+            return getOrroObjectRuntimeInfo(ns(w, m) + "::C" + std::to_string(c)).kaClassName ==
+                   "K";
         } catch (const GetOrroObjectRuntimeInfoError&) {
             return false;
         }
@@ -115,8 +123,9 @@ TEST(OrroObjectRuntimeInfoConcurrency, AReaderSeesAManifestWholeOrNotAtAll) {
             for (int m = 0; m < kManifests; ++m) {
                 cppmicroservices::AnyMap manifest;
                 for (int c = 0; c < kClasses; ++c) {
-                    manifest["N" + std::to_string(ns(w, m).size()) + ns(w, m) + "2C" + std::to_string(c) + "E"] =
-                        cppmicroservices::AnyMap{{"kaClassName", std::string("K")}, {"variantId", c}};
+                    manifest["N" + std::to_string(ns(w, m).size()) + ns(w, m) + "2C" +
+                             std::to_string(c) + "E"] = cppmicroservices::AnyMap{
+                        {"kaClassName", std::string("K")}, {"variantId", c}};
                 }
                 addOrroObjectRuntimeInfo(manifest);
             }
@@ -124,7 +133,8 @@ TEST(OrroObjectRuntimeInfoConcurrency, AReaderSeesAManifestWholeOrNotAtAll) {
         readers.emplace_back([&, w] {
             do {  // one pass at least
                 for (int m = 0; m < kManifests; ++m) {
-                    if (found((w + m) % kWriters, m, 0)) ++(found((w + m) % kWriters, m, kClasses - 1) ? whole : torn);
+                    if (found((w + m) % kWriters, m, 0))
+                        ++(found((w + m) % kWriters, m, kClasses - 1) ? whole : torn);
                 }
                 std::this_thread::yield();
             } while (writing);
@@ -136,7 +146,6 @@ TEST(OrroObjectRuntimeInfoConcurrency, AReaderSeesAManifestWholeOrNotAtAll) {
     EXPECT_EQ(torn.load(), 0);
     EXPECT_GT(whole.load(), 0);
 }
-
 
 struct Widget {};
 using testsupport::literal;
@@ -153,7 +162,9 @@ TEST(GetNextCppClassVariant, CountsEachClassFromZero) {
 
 std::size_t manifestVariant = 0;
 int manifestCalls = 0;
-std::size_t manifestId() { return ++manifestCalls, manifestVariant; }
+std::size_t manifestId() {
+    return ++manifestCalls, manifestVariant;
+}
 
 TEST(AssertOrroVariantIdMatches, ChecksEachTypeAndIdOnce) {
     using builtinreg::detail::assertOrroVariantIdMatches;
@@ -171,15 +182,22 @@ TEST(AssertOrroVariantIdMatches, ChecksEachTypeAndIdOnce) {
 TEST(AssertOrroVariantIdMatchesDeathTest, AMismatchAlwaysStops) {
     manifestVariant = 5;
     fl_set_diag_terminate(false);  // a mismatch stops regardless
-    EXPECT_DEATH(builtinreg::detail::assertOrroVariantIdMatches(4, &manifestId, typeid(Widget)),
-                 literal("Error OrroObject (anonymous namespace)::Widget 'RTTI Type Descriptor' has "
-                           "different variant id between manifest.json(5) and microservice_impl(4).") +
-                     "(.|\n)*builtin2/interface/builtin/OrroObjectID");
+    EXPECT_DEATH(
+        builtinreg::detail::assertOrroVariantIdMatches(4, &manifestId, typeid(Widget)),
+        literal("Error OrroObject (anonymous namespace)::Widget 'RTTI Type Descriptor' has "
+                "different variant id between manifest.json(5) and microservice_impl(4).") +
+            "(.|\n)*builtin2/interface/builtin/OrroObjectID");
 }
 
-const char* nameA() { return "A"; }
-const char* nameB() { return "B"; }
-const char* nameC() { return "C"; }
+const char* nameA() {
+    return "A";
+}
+const char* nameB() {
+    return "B";
+}
+const char* nameC() {
+    return "C";
+}
 
 TEST(ConditionalAssertionsDeathTest, FireOnlyOnAFailedConditionAndWhenAsked) {
     using namespace builtinreg::detail;
@@ -193,11 +211,18 @@ TEST(ConditionalAssertionsDeathTest, FireOnlyOnAFailedConditionAndWhenAsked) {
          [] { types::detail::assertOrroObjectHasExpectedClassID(static_cast<kaClassID>(25), "W"); },
          "The kaClassID of OrroObjects should be consistent across all tavi instances.",
          "builtin2/interface/builtin/CppOrroObjectImpl"},
-        {[] { assertIsDefaultVariantIdOrSame(SIZE_MAX, SIZE_MAX, 4), assertIsDefaultVariantIdOrSame(SIZE_MAX, 4, 4); },
+        {[] {
+             assertIsDefaultVariantIdOrSame(SIZE_MAX, SIZE_MAX, 4),
+                 assertIsDefaultVariantIdOrSame(SIZE_MAX, 4, 4);
+         },
          [] { assertIsDefaultVariantIdOrSame(SIZE_MAX, 3, 4); },
-         "Cannot assign conflicting variant id values to Norvane::builtin::builtinreg::OrroObjectId",
+         "Cannot assign conflicting variant id values to "
+         "Norvane::builtin::builtinreg::OrroObjectId",
          "builtin2/interface/builtin/OrroObjectID"},
-        {[] { assertIsDefaultNameFuncPtrOrSame(&nameA, &nameA, &nameB), assertIsDefaultNameFuncPtrOrSame(&nameA, &nameB, &nameB); },
+        {[] {
+             assertIsDefaultNameFuncPtrOrSame(&nameA, &nameA, &nameB),
+                 assertIsDefaultNameFuncPtrOrSame(&nameA, &nameB, &nameB);
+         },
          [] { assertIsDefaultNameFuncPtrOrSame(&nameA, &nameC, &nameB); },
          "Cannot assign conflicting name functions to Norvane::builtin::builtinreg::OrroObjectId",
          "builtin2/interface/builtin/OrroObjectID"},

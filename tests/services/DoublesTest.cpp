@@ -36,7 +36,8 @@ CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(NoIdInterface, "")
 
 namespace foundation::cppmicroservices {
 
-InstallAndStartResult installAndStart(fl::filesystem::path directory, const ::cppmicroservices::LDAPFilter& filter) {
+InstallAndStartResult installAndStart(fl::filesystem::path directory,
+                                      const ::cppmicroservices::LDAPFilter& filter) {
     ++record.calls;
     record.directory = directory.text();
     record.filter = filter.ToString();
@@ -83,11 +84,13 @@ TEST(Doubles, ServicesStartOnceAfterAFailedStartAndFailedLookupsAreNotKept) {
     EXPECT_EQ(record.filter, "(started-in=builtin2/builtin)");
 
     // A lookup that fails (a framework never started) leaves its holder unfilled.
-    auto live = foundation::cppmicroservices::setFramework(
-        std::make_shared<cppmicroservices::Framework>(cppmicroservices::FrameworkFactory().NewFramework()));
+    auto live =
+        foundation::cppmicroservices::setFramework(std::make_shared<cppmicroservices::Framework>(
+            cppmicroservices::FrameworkFactory().NewFramework()));
     EXPECT_THROW(getHeldService<IOrroObjectRegister>(), std::runtime_error);
     foundation::cppmicroservices::setFramework(live);
-    const auto objects = registerDouble<IOrroObjectRegister>(std::make_shared<StubObjectRegister>());
+    const auto objects =
+        registerDouble<IOrroObjectRegister>(std::make_shared<StubObjectRegister>());
     EXPECT_EQ(getHeldService<IOrroObjectRegister>(), objects);
     EXPECT_EQ(record.calls, 2);
 

@@ -19,13 +19,15 @@ namespace {
 class EmptyFramework : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        ASSERT_EQ(setenv("KELDOR_INSTALL_ROOT", "/nonexistent/keldor-root", 1), 0);  // no bundle folder
+        ASSERT_EQ(setenv("KELDOR_INSTALL_ROOT", "/nonexistent/keldor-root", 1),
+                  0);  // no bundle folder
         foundation::cppmicroservices::createFramework();
     }
     static Names visit(std::initializer_list<std::string> names) {
         Names visited;
-        builtinreg::callUpstreamModules(
-            names, [&](builtinreg::IOrroObjectModuleMgr* module) { visited.push_back(module->getModuleName()); });
+        builtinreg::callUpstreamModules(names, [&](builtinreg::IOrroObjectModuleMgr* module) {
+            visited.push_back(module->getModuleName());
+        });
         return visited;
     }
 };
@@ -36,7 +38,8 @@ TEST_F(EmptyFramework, AHolderFilledEmptyStaysEmpty) {
     EXPECT_EQ(getHeldService<IZOBJRegWrapper>(), nullptr);
     EXPECT_EQ(findService<IZOBJRegWrapper>(cppmicroservices::LDAPFilter()), provider);
     // A holder first reached after its service came up does find it.
-    const auto objects = registerDouble<IOrroObjectRegister>(std::make_shared<StubObjectRegister>());
+    const auto objects =
+        registerDouble<IOrroObjectRegister>(std::make_shared<StubObjectRegister>());
     EXPECT_EQ(getHeldService<IOrroObjectRegister>(), objects);
 }
 
@@ -51,7 +54,8 @@ TEST_F(EmptyFramework, UpstreamModulesAreVisitedInTheListedOrderAndFailuresReach
 
     const std::function<void(builtinreg::IOrroObjectModuleMgr*)> empty;
     EXPECT_NO_THROW(builtinreg::callUpstreamModules({"unknown"}, empty));
-    EXPECT_THROW(builtinreg::callUpstreamModules({"unknown", "modA"}, empty), std::bad_function_call);
+    EXPECT_THROW(builtinreg::callUpstreamModules({"unknown", "modA"}, empty),
+                 std::bad_function_call);
     Names visited;
     EXPECT_THROW(builtinreg::callUpstreamModules({"modA", "modB"},
                                                  [&](builtinreg::IOrroObjectModuleMgr* module) {

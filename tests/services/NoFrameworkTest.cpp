@@ -15,7 +15,8 @@ TEST(NoFramework, HoldersStayEmptyAndWalksFindNothing) {
     EXPECT_EQ(getHeldService<StringSupport>(), nullptr);
     EXPECT_EQ(getHeldService<IZOBJRegWrapper>(), nullptr);
     EXPECT_EQ(getHeldService<IOrroObjectRegister>(), nullptr);
-    EXPECT_NO_THROW(builtinreg::callUpstreamModules({"a", "b"}, {}));  // an empty callback is never called
+    EXPECT_NO_THROW(
+        builtinreg::callUpstreamModules({"a", "b"}, {}));  // an empty callback is never called
 }
 
 TEST(NoFramework, LibraryPathsLieUnderTheInstallRoot) {

@@ -53,14 +53,17 @@ TEST_F(ReferenceBundle, StringArraysOfAnySize) {
 TEST_F(ReferenceBundle, OnlyAOneByOneStringIsAFlagAndEngineStringsBecomeOne) {
     const std::size_t scalar[] = {1, 1}, pair[] = {1, 2};
     const auto chars = ka::charArray(std::u16string_view(u"on"));
-    EXPECT_EQ(strings().getStringFlag(strings().createString(scalar, {u"on"}).get()), std::u16string_view(u"on"));
-    EXPECT_EQ(strings().getStringFlag(strings().createString(pair, {u"on", u"off"}).get()), std::nullopt);
+    EXPECT_EQ(strings().getStringFlag(strings().createString(scalar, {u"on"}).get()),
+              std::u16string_view(u"on"));
+    EXPECT_EQ(strings().getStringFlag(strings().createString(pair, {u"on", u"off"}).get()),
+              std::nullopt);
     EXPECT_EQ(strings().getStringFlag(chars.get()), std::nullopt);
     EXPECT_FALSE(strings().isString(chars.get()));
     EXPECT_THROW(strings().getString(chars.get(), 0), std::invalid_argument);
 
     Norvane::String::String text(u"hello");
-    EXPECT_EQ(strings().getStringFlag(strings().stringToKaArray(&text, 0).get()), std::u16string_view(u"hello"));
+    EXPECT_EQ(strings().getStringFlag(strings().stringToKaArray(&text, 0).get()),
+              std::u16string_view(u"hello"));
     EXPECT_THROW(strings().stringToKaArray(&text, 1), std::invalid_argument);
     EXPECT_THROW(strings().stringToKaArray(nullptr, 0), std::invalid_argument);
 }

@@ -47,21 +47,26 @@ constexpr int kCallsPerThread = 100'000;
 constexpr int kCallThreads = 8;
 // Above the lifted loops' parallel threshold of 1024 elements.
 constexpr std::size_t kLarge = 1500;
-const std::u16string kSqrtWarning = u"sqrt of a negative number is NaN here; take the sqrt of a complex number instead";
+const std::u16string kSqrtWarning =
+    u"sqrt of a negative number is NaN here; take the sqrt of a complex number instead";
 
 template <class T>
 const T* elements(const kaArray_tag* a) {
     return static_cast<const T*>(matrix::data(a));
 }
 
-std::string text(double value) { return std::to_string(value); }
+std::string text(double value) {
+    return std::to_string(value);
+}
 
 // The thread of one interpreter: its own arrays (reference counts are plain and belong to one
 // thread), its own warning scope, and a note of what went wrong.
 class Caller {
 public:
     Caller(const declare::ModuleDirectory& directory, int index)
-        : directory_(directory), index_(index), scope_([this](const std::u16string& w) { warnings_.push_back(w); }) {}
+        : directory_(directory),
+          index_(index),
+          scope_([this](const std::u16string& w) { warnings_.push_back(w); }) {}
 
     // Calls the builtin with one output; the arguments stay the caller's, except a temporary,
     // which the call may take over as its result.
@@ -92,15 +97,17 @@ public:
         }
         const double* values = elements<double>(result);
         for (std::size_t k = 0; k < expected.size(); ++k) {
-            const bool same = std::isnan(expected[k]) ? std::isnan(values[k]) : values[k] == expected[k];
+            const bool same =
+                std::isnan(expected[k]) ? std::isnan(values[k]) : values[k] == expected[k];
             if (!same) {
-                return fail(std::string(what) + ": element " + std::to_string(k) + " is " + text(values[k]) +
-                            ", not " + text(expected[k]));
+                return fail(std::string(what) + ": element " + std::to_string(k) + " is " +
+                            text(values[k]) + ", not " + text(expected[k]));
             }
         }
     }
     void fail(std::string what) {
-        if (failures_++ == 0) firstFailure_ = "thread " + std::to_string(index_) + ": " + std::move(what);
+        if (failures_++ == 0)
+            firstFailure_ = "thread " + std::to_string(index_) + ": " + std::move(what);
     }
 
     // Warnings that reached this thread since the last look.
@@ -151,8 +158,8 @@ const Road kRoads[] = {
      [](Caller& c, int i) {
          const double x = i % 100;
          const ka::ArrayPtr m = ka::fromRows<double>(3, 4, {x, 1, 2, 3, 4, x, 6, 7, 8, 9, x, 11});
-         c.expectValues(c.call("sum", {m.get()}).get(), kaDOUBLE_CLASS, {1, 4}, {x + 12, x + 10, x + 8, 21},
-                        "sum");
+         c.expectValues(c.call("sum", {m.get()}).get(), kaDOUBLE_CLASS, {1, 4},
+                        {x + 12, x + 10, x + 8, 21}, "sum");
      }},
     {"sort with a flag", 0,
      [](Caller& c, int i) {
@@ -163,13 +170,14 @@ const Road kRoads[] = {
              const std::vector<double> sorted = x > 2.5    ? std::vector<double>{x, 2.5, -1, NAN}
                                                 : x > -1.0 ? std::vector<double>{2.5, x, -1, NAN}
                                                            : std::vector<double>{2.5, -1, x, NAN};
-             c.expectValues(c.call("sort", {row.get(), descend.get()}).get(), kaDOUBLE_CLASS, {1, 4}, sorted,
-                            "sort descend");
+             c.expectValues(c.call("sort", {row.get(), descend.get()}).get(), kaDOUBLE_CLASS,
+                            {1, 4}, sorted, "sort descend");
          } else {
              const std::vector<double> sorted = x < -1.0  ? std::vector<double>{x, -1, 2.5, NAN}
                                                 : x < 2.5 ? std::vector<double>{-1, x, 2.5, NAN}
                                                           : std::vector<double>{-1, 2.5, x, NAN};
-             c.expectValues(c.call("sort", {row.get()}).get(), kaDOUBLE_CLASS, {1, 4}, sorted, "sort");
+             c.expectValues(c.call("sort", {row.get()}).get(), kaDOUBLE_CLASS, {1, 4}, sorted,
+                            "sort");
          }
      }},
     {"large plus, array and scalar", 0,
@@ -177,8 +185,8 @@ const Road kRoads[] = {
          const ka::ArrayPtr a = ramp(kLarge, i, 1), b = ka::scalar(0.25 * c.index());
          std::vector<double> expected(kLarge);
          for (std::size_t k = 0; k < kLarge; ++k) expected[k] = i + double(k) + 0.25 * c.index();
-         c.expectValues(c.call("plus", {a.get(), b.get()}).get(), kaDOUBLE_CLASS, {1, kLarge}, expected,
-                        "large plus");
+         c.expectValues(c.call("plus", {a.get(), b.get()}).get(), kaDOUBLE_CLASS, {1, kLarge},
+                        expected, "large plus");
      }},
     {"large plus into a temporary", 0,
      [](Caller& c, int i) {
@@ -197,12 +205,14 @@ const Road kRoads[] = {
      [](Caller& c, int i) {
          std::vector<double> columnValues(30);
          for (std::size_t k = 0; k < 30; ++k) columnValues[k] = double(i % 50) + double(k);
-         const ka::ArrayPtr column = ka::createFrom<double>({30, 1}, columnValues), row = ramp(40, 0, 100);
+         const ka::ArrayPtr column = ka::createFrom<double>({30, 1}, columnValues),
+                            row = ramp(40, 0, 100);
          std::vector<double> expected(30 * 40);
          for (std::size_t j = 0; j < 40; ++j)
-             for (std::size_t k = 0; k < 30; ++k) expected[k + 30 * j] = double(i % 50) + double(k) + 100.0 * double(j);
-         c.expectValues(c.call("plus", {column.get(), row.get()}).get(), kaDOUBLE_CLASS, {30, 40}, expected,
-                        "broadcast");
+             for (std::size_t k = 0; k < 30; ++k)
+                 expected[k + 30 * j] = double(i % 50) + double(k) + 100.0 * double(j);
+         c.expectValues(c.call("plus", {column.get(), row.get()}).get(), kaDOUBLE_CLASS, {30, 40},
+                        expected, "broadcast");
      }},
     {"large sqrt", 0,
      [](Caller& c, int i) {
@@ -212,13 +222,15 @@ const Road kRoads[] = {
              squares[k] = roots[k] * roots[k];
          }
          const ka::ArrayPtr a = ka::createFrom<double>({1, kLarge}, squares);
-         c.expectValues(c.call("sqrt", {a.get()}).get(), kaDOUBLE_CLASS, {1, kLarge}, roots, "large sqrt");
+         c.expectValues(c.call("sqrt", {a.get()}).get(), kaDOUBLE_CLASS, {1, kLarge}, roots,
+                        "large sqrt");
      }},
     {"sqrt that warns", 1,
      [](Caller& c, int i) {
          const double x = i % 10;
          const ka::ArrayPtr a = ka::row({x * x, -1.0, 9.0});
-         c.expectValues(c.call("sqrt", {a.get()}).get(), kaDOUBLE_CLASS, {1, 3}, {x, NAN, 3}, "sqrt");
+         c.expectValues(c.call("sqrt", {a.get()}).get(), kaDOUBLE_CLASS, {1, 3}, {x, NAN, 3},
+                        "sqrt");
      }},
     {"inv of 0", 0,
      [](Caller& c, int) {
@@ -235,14 +247,16 @@ const Road kRoads[] = {
     {"inv", 0,
      [](Caller& c, int i) {
          const ka::ArrayPtr x = ka::scalar(double(i % 8 + 1));
-         c.expectValues(c.call("inv", {x.get()}).get(), kaDOUBLE_CLASS, {1, 1}, {1.0 / (i % 8 + 1)}, "inv");
+         c.expectValues(c.call("inv", {x.get()}).get(), kaDOUBLE_CLASS, {1, 1}, {1.0 / (i % 8 + 1)},
+                        "inv");
      }},
     {"an object made and read", 0,
      [](Caller& c, int i) {
          const ka::ArrayPtr start = ka::scalar(double(i));
          const ka::ArrayPtr counter = c.call("counter", {start.get()});
          c.expect(ka::objectClassName(counter.get()) == "Counter", "counter: not a Counter");
-         c.expectValues(c.call("count", {counter.get()}).get(), kaDOUBLE_CLASS, {1, 1}, {double(i)}, "count");
+         c.expectValues(c.call("count", {counter.get()}).get(), kaDOUBLE_CLASS, {1, 1}, {double(i)},
+                        "count");
      }},
 };
 constexpr int kRoadCount = static_cast<int>(std::size(kRoads));
@@ -261,10 +275,11 @@ void runCalls(Caller& c, std::vector<long>& roadCalls) {
         const std::vector<std::u16string> warnings = c.takeWarnings();
         const bool ownWarnings =
             static_cast<int>(warnings.size()) == road.warnings &&
-            std::all_of(warnings.begin(), warnings.end(), [](const std::u16string& w) { return w == kSqrtWarning; });
+            std::all_of(warnings.begin(), warnings.end(),
+                        [](const std::u16string& w) { return w == kSqrtWarning; });
         if (!ownWarnings) {
-            c.fail(std::string(road.name) + " brought " + std::to_string(warnings.size()) + " warnings, not " +
-                   std::to_string(road.warnings));
+            c.fail(std::string(road.name) + " brought " + std::to_string(warnings.size()) +
+                   " warnings, not " + std::to_string(road.warnings));
         }
     }
 }
@@ -287,30 +302,35 @@ struct ManifestWriter {
 
     void runUntil(const std::atomic<bool>& done) {
         using cppmicroservices::AnyMap;
-        const AnyMap counter{{mangled("classbundle", "Counter"), AnyMap{{"kaClassName", std::string("Counter")},
-                                                                        {"variantId", 0}}}};
-        const AnyMap conflict{{mangled("classbundle", "Counter"), AnyMap{{"kaClassName", std::string("Counter")},
-                                                                         {"variantId", 1}}}};
+        const AnyMap counter{{mangled("classbundle", "Counter"),
+                              AnyMap{{"kaClassName", std::string("Counter")}, {"variantId", 0}}}};
+        const AnyMap conflict{{mangled("classbundle", "Counter"),
+                               AnyMap{{"kaClassName", std::string("Counter")}, {"variantId", 1}}}};
         do {
             const std::string ns = "stress" + std::to_string(manifests);
             AnyMap manifest;
             std::unordered_set<std::string> names;
             for (int k = 0; k < 4; ++k) {
-                const std::string kaClassName = "Stress" + std::to_string(manifests % 5) + "_" + std::to_string(k);
+                const std::string kaClassName =
+                    "Stress" + std::to_string(manifests % 5) + "_" + std::to_string(k);
                 manifest[mangled(ns, "C" + std::to_string(k))] =
                     AnyMap{{"kaClassName", kaClassName}, {"variantId", k}};
                 names.insert(kaClassName);
             }
             try {
-                if (types::addOrroObjectRuntimeInfo(manifest) != names) fail(ns + ": other class names");
+                if (types::addOrroObjectRuntimeInfo(manifest) != names)
+                    fail(ns + ": other class names");
                 for (int k = 0; k < 4; ++k) {
-                    const auto info = types::getOrroObjectRuntimeInfo(ns + "::C" + std::to_string(k));
+                    const auto info =
+                        types::getOrroObjectRuntimeInfo(ns + "::C" + std::to_string(k));
                     if (info.variantId != static_cast<std::size_t>(k) ||
-                        info.kaClassName != "Stress" + std::to_string(manifests % 5) + "_" + std::to_string(k)) {
+                        info.kaClassName !=
+                            "Stress" + std::to_string(manifests % 5) + "_" + std::to_string(k)) {
                         fail(ns + ": read back other information");
                     }
                 }
-                if (types::addOrroObjectRuntimeInfo(counter) != std::unordered_set<std::string>{"Counter"}) {
+                if (types::addOrroObjectRuntimeInfo(counter) !=
+                    std::unordered_set<std::string>{"Counter"}) {
                     fail("Counter: other class names");
                 }
             } catch (const std::exception& e) {
@@ -332,7 +352,8 @@ protected:
     static void SetUpTestSuite() {
         unsetenv("KELDOR_INSTALL_ROOT");
         foundation::cppmicroservices::createFramework();
-        directory_ = new declare::ModuleDirectory(declare::ModuleDirectory::start({declare::builtinServicesFolder()}));
+        directory_ = new declare::ModuleDirectory(
+            declare::ModuleDirectory::start({declare::builtinServicesFolder()}));
     }
     static void TearDownTestSuite() { delete directory_; }
 
@@ -342,7 +363,8 @@ protected:
 TEST_F(Stress, ThreadsCallEveryRoadWhileManifestsAreAdded) {
     // A warning that reaches no thread's scope ends here: it went astray.
     std::atomic<long> stray{0};
-    const ka::WarningHandler previous = ka::setWarningHandler([&](const std::u16string&) { ++stray; });
+    const ka::WarningHandler previous =
+        ka::setWarningHandler([&](const std::u16string&) { ++stray; });
     const std::size_t liveAtStart = ka::liveArrayCount();
     const long countersAtStart = classbundle::Counter::liveCounters();
 
@@ -371,13 +393,16 @@ TEST_F(Stress, ThreadsCallEveryRoadWhileManifestsAreAdded) {
     for (std::thread& thread : threads) thread.join();
     done = true;
     manifestThread.join();
-    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     ka::setWarningHandler(previous);
 
     for (int t = 0; t < kCallThreads; ++t) {
-        EXPECT_EQ(failures[static_cast<std::size_t>(t)], 0) << firstFailures[static_cast<std::size_t>(t)];
+        EXPECT_EQ(failures[static_cast<std::size_t>(t)], 0)
+            << firstFailures[static_cast<std::size_t>(t)];
         for (int r = 0; r < kRoadCount; ++r) {
-            EXPECT_GT(roadCalls[static_cast<std::size_t>(t)][static_cast<std::size_t>(r)], 0) << kRoads[r].name;
+            EXPECT_GT(roadCalls[static_cast<std::size_t>(t)][static_cast<std::size_t>(r)], 0)
+                << kRoads[r].name;
         }
     }
     EXPECT_EQ(stray.load(), 0) << "warnings that reached no calling thread";

@@ -17,12 +17,16 @@ std::vector<T> elementsOf(const kaArray_tag* array) {
     return std::vector<T>(data, data + matrix::numberOfElements(array) * parts);
 }
 template <class T>
-std::vector<T> elementsOf(const ka::ArrayPtr& array) { return elementsOf<T>(array.get()); }
+std::vector<T> elementsOf(const ka::ArrayPtr& array) {
+    return elementsOf<T>(array.get());
+}
 
 inline std::vector<std::size_t> dimsOf(const kaArray_tag* array) {
     const auto dims = matrix::dimensions(array);
     return {dims.begin(), dims.end()};
 }
-inline std::vector<std::size_t> dimsOf(const ka::ArrayPtr& array) { return dimsOf(array.get()); }
+inline std::vector<std::size_t> dimsOf(const ka::ArrayPtr& array) {
+    return dimsOf(array.get());
+}
 
 }  // namespace testsupport

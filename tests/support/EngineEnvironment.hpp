@@ -9,7 +9,8 @@
 
 namespace testsupport {
 
-struct EngineEnvironment final : Norvane::orro::IOrroBuiltinEnvironment, Norvane::orro::IOrroBuiltinAccessors {
+struct EngineEnvironment final : Norvane::orro::IOrroBuiltinEnvironment,
+                                 Norvane::orro::IOrroBuiltinAccessors {
     std::exception_ptr error;
     IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
     void AddWarningMessage(const std::u16string&) override {}

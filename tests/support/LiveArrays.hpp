@@ -13,9 +13,13 @@ namespace testsupport {
 class LiveArrayTest : public ::testing::Test {
 protected:
     void SetUp() override { start_ = ka::liveArrayCount(); }
-    void TearDown() override { EXPECT_EQ(ka::liveArrayCount(), start_) << "the test left arrays alive"; }
+    void TearDown() override {
+        EXPECT_EQ(ka::liveArrayCount(), start_) << "the test left arrays alive";
+    }
     // Arrays created since the start and not destroyed (negative: destroyed too many).
-    long long alive() const { return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_); }
+    long long alive() const {
+        return static_cast<long long>(ka::liveArrayCount()) - static_cast<long long>(start_);
+    }
 
 private:
     std::size_t start_ = 0;

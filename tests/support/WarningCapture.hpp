@@ -11,7 +11,9 @@ namespace testsupport {
 
 class WarningCapture {
 public:
-    WarningCapture() : previous_(ka::setWarningHandler([this](const std::u16string& text) { warnings_.push_back(text); })) {}
+    WarningCapture()
+        : previous_(ka::setWarningHandler(
+              [this](const std::u16string& text) { warnings_.push_back(text); })) {}
     WarningCapture(const WarningCapture&) = delete;
     WarningCapture& operator=(const WarningCapture&) = delete;
     ~WarningCapture() { ka::setWarningHandler(std::move(previous_)); }

@@ -14,10 +14,13 @@ namespace {
 
 TEST(KaArrayTypesTest, Construction) {
     // The dimension count follows the shape; the refusals and their text are tests/badinput's.
-    for (const auto& expected : {std::pair{Shape::EMPTY, std::size_t{0}}, std::pair{Shape::SCALAR, std::size_t{0}},
-                                 std::pair{Shape::VECTOR, std::size_t{1}}, std::pair{Shape::TWO_D, std::size_t{2}}}) {
-        EXPECT_EQ(KaArrayTypes(kaDOUBLE_CLASS, expected.first, Density::FULL, Complexity::NOT_COMPLEX).getShape(),
-                  expected);
+    for (const auto& expected :
+         {std::pair{Shape::EMPTY, std::size_t{0}}, std::pair{Shape::SCALAR, std::size_t{0}},
+          std::pair{Shape::VECTOR, std::size_t{1}}, std::pair{Shape::TWO_D, std::size_t{2}}}) {
+        EXPECT_EQ(
+            KaArrayTypes(kaDOUBLE_CLASS, expected.first, Density::FULL, Complexity::NOT_COMPLEX)
+                .getShape(),
+            expected);
         KaArrayTypes reshaped;
         reshaped.setShape(expected.first);
         EXPECT_EQ(reshaped.getShape(), expected);
@@ -41,16 +44,24 @@ TEST(KaArrayTypesTest, AsScalar) {
     EXPECT_EQ(*array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX).asScalar(),
               complexScalar(kaDOUBLE_CLASS));
     EXPECT_FALSE(array(kaDOUBLE_CLASS, Shape::TWO_D, 2, Density::SPARSE).asScalar().has_value());
-    EXPECT_FALSE(array(kaDOUBLE_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::UNKNOWN).asScalar().has_value());
+    EXPECT_FALSE(array(kaDOUBLE_CLASS, Shape::SCALAR, 0, Density::FULL, Complexity::UNKNOWN)
+                     .asScalar()
+                     .has_value());
     EXPECT_FALSE(array(kaUNKNOWN_CLASS, Shape::SCALAR, 0).asScalar().has_value());
 }
 
 TEST(KaArrayTypesTest, ShapeLatticeRowByRow) {
     // The candidates, one character each in the rows: U ER EC E S R C V 2 N3.
     const std::pair<Shape, std::size_t> candidates[] = {
-        {Shape::UNKNOWN, ANY_DIM}, {Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}, {Shape::EMPTY, 0}, {Shape::SCALAR, 0},
-        {Shape::ROW, 1},           {Shape::COLUMN, 1},    {Shape::VECTOR, 1},    {Shape::TWO_D, 2}, {Shape::ND, 3}};
-    const struct { const char* what; Shape shape; std::size_t dim; const char *relaxedTakes, *strictTakes; } rows[] = {
+        {Shape::UNKNOWN, ANY_DIM}, {Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}, {Shape::EMPTY, 0},
+        {Shape::SCALAR, 0},        {Shape::ROW, 1},       {Shape::COLUMN, 1},    {Shape::VECTOR, 1},
+        {Shape::TWO_D, 2},         {Shape::ND, 3}};
+    const struct {
+        const char* what;
+        Shape shape;
+        std::size_t dim;
+        const char *relaxedTakes, *strictTakes;
+    } rows[] = {
         {"UNKNOWN", Shape::UNKNOWN, ANY_DIM, "1111111111", "1000000000"},
         {"EMPTY_ROW", Shape::EMPTY_ROW, 0, "0100000000", "0100000000"},
         {"EMPTY_COL", Shape::EMPTY_COL, 0, "0010000000", "0010000000"},
@@ -69,22 +80,32 @@ TEST(KaArrayTypesTest, ShapeLatticeRowByRow) {
     for (const auto& row : rows) {
         const KaArrayTypes strict = array(kaDOUBLE_CLASS, row.shape, row.dim);
         for (std::size_t i = 0; i < std::size(candidates); ++i) {
-            const KaArrayTypes candidate = array(kaDOUBLE_CLASS, candidates[i].first, candidates[i].second);
-            EXPECT_EQ(relaxed(strict).isAcceptable(candidate), row.relaxedTakes[i] == '1') << row.what << " / " << i;
-            EXPECT_EQ(strict.isAcceptable(candidate), row.strictTakes[i] == '1') << row.what << " / " << i;
+            const KaArrayTypes candidate =
+                array(kaDOUBLE_CLASS, candidates[i].first, candidates[i].second);
+            EXPECT_EQ(relaxed(strict).isAcceptable(candidate), row.relaxedTakes[i] == '1')
+                << row.what << " / " << i;
+            EXPECT_EQ(strict.isAcceptable(candidate), row.strictTakes[i] == '1')
+                << row.what << " / " << i;
         }
     }
     // Dimension counts beyond the usual ones.
     const KaArrayTypes nd3 = relaxed(array(kaDOUBLE_CLASS, Shape::ND, 3));
     EXPECT_FALSE(nd3.isAcceptable(array(kaDOUBLE_CLASS, Shape::ND, 4)));
     EXPECT_TRUE(nd3.isAcceptable(array(kaDOUBLE_CLASS, Shape::EMPTY, 3)));
-    EXPECT_TRUE(relaxed(array(kaDOUBLE_CLASS, Shape::ND, ANY_DIM)).isAcceptable(array(kaDOUBLE_CLASS, Shape::ND, 99)));
+    EXPECT_TRUE(relaxed(array(kaDOUBLE_CLASS, Shape::ND, ANY_DIM))
+                    .isAcceptable(array(kaDOUBLE_CLASS, Shape::ND, 99)));
 }
 
 TEST(KaArrayTypesTest, ElementComplexityAndDensityBeforeTheShape) {
-    const KaArrayTypes candidate = array(kaINT32_CLASS, Shape::ROW, 1, Density::SPARSE, Complexity::COMPLEX);
-    const struct { const char* what; kaClassID element; Density density; Complexity complexity; bool relaxedTakes,
-        strictTakes; } cases[] = {
+    const KaArrayTypes candidate =
+        array(kaINT32_CLASS, Shape::ROW, 1, Density::SPARSE, Complexity::COMPLEX);
+    const struct {
+        const char* what;
+        kaClassID element;
+        Density density;
+        Complexity complexity;
+        bool relaxedTakes, strictTakes;
+    } cases[] = {
         {"all equal", kaINT32_CLASS, Density::SPARSE, Complexity::COMPLEX, true, true},
         {"open element", kaUNKNOWN_CLASS, Density::SPARSE, Complexity::COMPLEX, true, false},
         {"other element", kaINT64_CLASS, Density::SPARSE, Complexity::COMPLEX, false, false},
@@ -101,8 +122,10 @@ TEST(KaArrayTypesTest, ElementComplexityAndDensityBeforeTheShape) {
         EXPECT_EQ(relaxed(strict).isCompatible(candidate), c.strictTakes) << c.what;
     }
     // The candidate's open element is no wildcard.
-    EXPECT_FALSE(relaxed(array(kaINT32_CLASS, Shape::ROW, 1)).isAcceptable(array(kaUNKNOWN_CLASS, Shape::ROW, 1)));
-    EXPECT_TRUE(array(kaDOUBLE_CLASS, Shape::ROW, 1).isCompatible(array(kaDOUBLE_CLASS, Shape::ND, 7)));
+    EXPECT_FALSE(relaxed(array(kaINT32_CLASS, Shape::ROW, 1))
+                     .isAcceptable(array(kaUNKNOWN_CLASS, Shape::ROW, 1)));
+    EXPECT_TRUE(
+        array(kaDOUBLE_CLASS, Shape::ROW, 1).isCompatible(array(kaDOUBLE_CLASS, Shape::ND, 7)));
 }
 
 using Entry = KaArrayTypes::PrecedenceType;
@@ -134,7 +157,11 @@ TEST(KaArrayTypesTest, PrecedenceLists) {
         all.insert(all.end(), tail.begin(), tail.end());
         return all;
     };
-    const struct { Shape shape; std::size_t dim; std::vector<std::string> expected; } cases[] = {
+    const struct {
+        Shape shape;
+        std::size_t dim;
+        std::vector<std::string> expected;
+    } cases[] = {
         {Shape::SCALAR, 0, {}},
         {Shape::EMPTY, 0, {"1:0", "2:0"}},
         {Shape::ROW, 1, {"1:0", "scalar"}},
@@ -148,15 +175,19 @@ TEST(KaArrayTypesTest, PrecedenceLists) {
         {Shape::UNKNOWN, 2, with({"9:2", "scalar"})},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(shapesOf(relaxed(array(kaDOUBLE_CLASS, c.shape, c.dim)).getGreaterPrecedenceTypes()), c.expected)
+        EXPECT_EQ(
+            shapesOf(relaxed(array(kaDOUBLE_CLASS, c.shape, c.dim)).getGreaterPrecedenceTypes()),
+            c.expected)
             << static_cast<int>(c.shape) << ":" << c.dim;
         EXPECT_TRUE(array(kaDOUBLE_CLASS, c.shape, c.dim).getGreaterPrecedenceTypes().empty());
     }
     // The scalar entry: of the element and complexity (open counts as real), the density not
     // asked; a cell's is a relaxed cell array.
     const std::pair<KaArrayTypes, Entry> scalars[] = {
-        {array(kaINT8_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN), realScalar(kaINT8_CLASS)},
-        {array(kaSINGLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX), complexScalar(kaSINGLE_CLASS)},
+        {array(kaINT8_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN),
+         realScalar(kaINT8_CLASS)},
+        {array(kaSINGLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::COMPLEX),
+         complexScalar(kaSINGLE_CLASS)},
         {array(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE), realScalar(kaDOUBLE_CLASS)},
         {array(kaCELL_CLASS, Shape::ROW, 1), relaxed(array(kaCELL_CLASS, Shape::SCALAR, 0))},
     };
@@ -174,15 +205,23 @@ TEST(OrderTest, PairsInAscendingOrder) {
     };
     const auto flag = [](std::u16string text) { return FlagInputType(std::move(text)); };
     const kaClassID c25 = classId(25), c26 = classId(26);
-    const struct { const char* what; ArgType lower, higher; } cases[] = {
+    const struct {
+        const char* what;
+        ArgType lower, higher;
+    } cases[] = {
         {"alternative: unsupported, flag", UnsupportedArgType(), flag(u"zzz")},
         {"alternative: flag, scalar", flag(u"\uffff"), realScalar(kaLOGICAL_CLASS)},
-        {"alternative: scalar, string", complexScalar(kaUINT64_CLASS), KeldorStringType(StringShape::SCALAR)},
-        {"alternative: string, place", KeldorStringType(StringShape::ANY), OrroObjectPlaceTypes(classId(19), 0)},
-        {"alternative: place, object", OrroObjectPlaceTypes(classId(19), 9), OrroObjectTypes(classId(19), 0, true)},
-        {"alternative: object, array", OrroObjectTypes(c26, 1, true), array(classId(-1), Shape::SCALAR, 0)},
+        {"alternative: scalar, string", complexScalar(kaUINT64_CLASS),
+         KeldorStringType(StringShape::SCALAR)},
+        {"alternative: string, place", KeldorStringType(StringShape::ANY),
+         OrroObjectPlaceTypes(classId(19), 0)},
+        {"alternative: place, object", OrroObjectPlaceTypes(classId(19), 9),
+         OrroObjectTypes(classId(19), 0, true)},
+        {"alternative: object, array", OrroObjectTypes(c26, 1, true),
+         array(classId(-1), Shape::SCALAR, 0)},
         {"array: tolerance first", openArray(), relaxed(d(kaDOUBLE_CLASS, Shape::ROW, 1))},
-        {"array: element, open last", d(kaUINT64_CLASS, Shape::ROW, 1), d(kaUNKNOWN_CLASS, Shape::SCALAR, 0)},
+        {"array: element, open last", d(kaUINT64_CLASS, Shape::ROW, 1),
+         d(kaUNKNOWN_CLASS, Shape::SCALAR, 0)},
         {"array: element, signed", d(classId(-1), Shape::ROW, 1), d(kaCELL_CLASS, Shape::ROW, 1)},
         {"array: density before complexity", d(kaDOUBLE_CLASS, Shape::ROW, 1),
          d(kaDOUBLE_CLASS, Shape::ROW, 1, Density::SPARSE, Complexity::NOT_COMPLEX)},
@@ -190,10 +229,14 @@ TEST(OrderTest, PairsInAscendingOrder) {
          d(kaDOUBLE_CLASS, Shape::ROW, 1, Density::UNKNOWN)},
         {"array: complexity, open last", d(kaDOUBLE_CLASS, Shape::ROW, 1),
          d(kaDOUBLE_CLASS, Shape::ROW, 1, Density::FULL, Complexity::UNKNOWN)},
-        {"array: dim before shape", d(kaDOUBLE_CLASS, Shape::SCALAR, 0), d(kaDOUBLE_CLASS, Shape::ROW, 1)},
-        {"array: dim unsigned", d(kaDOUBLE_CLASS, Shape::ND, 4), d(kaDOUBLE_CLASS, Shape::ND, ANY_DIM)},
-        {"array: shape", d(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0), d(kaDOUBLE_CLASS, Shape::SCALAR, 0)},
-        {"array: shape, open last", d(kaDOUBLE_CLASS, Shape::ND, ANY_DIM), d(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM)},
+        {"array: dim before shape", d(kaDOUBLE_CLASS, Shape::SCALAR, 0),
+         d(kaDOUBLE_CLASS, Shape::ROW, 1)},
+        {"array: dim unsigned", d(kaDOUBLE_CLASS, Shape::ND, 4),
+         d(kaDOUBLE_CLASS, Shape::ND, ANY_DIM)},
+        {"array: shape", d(kaDOUBLE_CLASS, Shape::EMPTY_ROW, 0),
+         d(kaDOUBLE_CLASS, Shape::SCALAR, 0)},
+        {"array: shape, open last", d(kaDOUBLE_CLASS, Shape::ND, ANY_DIM),
+         d(kaDOUBLE_CLASS, Shape::UNKNOWN, ANY_DIM)},
         {"scalar: real first", realScalar(kaDOUBLE_CLASS), complexScalar(kaDOUBLE_CLASS)},
         {"scalar: element first", complexScalar(kaDOUBLE_CLASS), realScalar(kaSINGLE_CLASS)},
         {"scalar: signed, no unknown-last", realScalar(classId(-1)), realScalar(kaUNKNOWN_CLASS)},
@@ -201,7 +244,8 @@ TEST(OrderTest, PairsInAscendingOrder) {
         {"flag: case is a unit", flag(u"B"), flag(u"a")},
         {"flag: unsigned units", flag(u"\u7fff"), flag(u"\u8000")},
         {"object: variant", OrroObjectTypes(c25, 3, true), OrroObjectTypes(c25, 4, false)},
-        {"object: open variant last", OrroObjectTypes(c25, 2, true), OrroObjectTypes(c25, SIZE_MAX, true)},
+        {"object: open variant last", OrroObjectTypes(c25, 2, true),
+         OrroObjectTypes(c25, SIZE_MAX, true)},
         {"object: class first", OrroObjectTypes(c25, 9, true), OrroObjectTypes(c26, 0, true)},
         {"place: class first", OrroObjectPlaceTypes(c25, 9), OrroObjectPlaceTypes(c26, 0)},
     };
@@ -227,7 +271,8 @@ TEST(OrderTest, IsAStrictWeakOrder) {
     for (int i = 0; i < 216; ++i) {
         v.push_back(array(classId(elements[i % 3]), shapes[i / 3 % 3], dims[i / 9 % 3],
                           i / 27 % 2 ? Density::UNKNOWN : Density::SPARSE,
-                          i / 54 % 2 ? Complexity::UNKNOWN : Complexity::COMPLEX, i / 108 % 2 ? STRICT_ : RELAXED_));
+                          i / 54 % 2 ? Complexity::UNKNOWN : Complexity::COMPLEX,
+                          i / 108 % 2 ? STRICT_ : RELAXED_));
     }
     const std::size_t n = v.size();
     std::vector<char> lt(n * n);  // each comparison once: the checks are cubic
@@ -246,9 +291,11 @@ TEST(OrderTest, IsAStrictWeakOrder) {
 }
 
 TEST(HashTest, EqualValuesHashEqual) {
-    EXPECT_EQ(OrroObjectTypes(classId(25), 3, true).hash(), OrroObjectTypes(classId(25), 3, false).hash());
+    EXPECT_EQ(OrroObjectTypes(classId(25), 3, true).hash(),
+              OrroObjectTypes(classId(25), 3, false).hash());
     std::u16string owner = u"abc";
-    EXPECT_EQ(FlagInputType(std::string("abc")).hash(), FlagInputType(std::u16string_view{owner}).hash());
+    EXPECT_EQ(FlagInputType(std::string("abc")).hash(),
+              FlagInputType(std::u16string_view{owner}).hash());
     EXPECT_NE(FlagInputType(std::string("abc")).hash(), FlagInputType(std::string("abd")).hash());
 }
 

@@ -27,7 +27,8 @@ TEST(NoStringSupportTest, OpenStringClass) {
     EXPECT_TRUE(isAcceptable(openArray(kaUNKNOWN_CLASS, RELAXED_), flag));
     EXPECT_EQ(asElementWiseArrayType(flag), ArgType(flag));
     for (const std::int32_t element : {18, 19, 42}) {
-        EXPECT_EQ(array(classId(element), Shape::SCALAR, 0).getOrroSupportLevel(OUT), L::NO_SUPPORT) << element;
+        EXPECT_EQ(array(classId(element), Shape::SCALAR, 0).getOrroSupportLevel(OUT), L::NO_SUPPORT)
+            << element;
     }
 }
 

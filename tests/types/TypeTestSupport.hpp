@@ -22,9 +22,13 @@ constexpr auto STRICT_ = SignatureTolerance::STRICT;
 constexpr auto RELAXED_ = SignatureTolerance::RELAXED;
 constexpr std::size_t ANY_DIM = SIZE_MAX;
 
-inline kaClassID classId(std::int32_t number) { return static_cast<kaClassID>(number); }
-inline KaArrayTypes array(kaClassID element, Shape shape, std::size_t dim, Density density = Density::FULL,
-                          Complexity complexity = Complexity::NOT_COMPLEX, SignatureTolerance tolerance = STRICT_) {
+inline kaClassID classId(std::int32_t number) {
+    return static_cast<kaClassID>(number);
+}
+inline KaArrayTypes array(kaClassID element, Shape shape, std::size_t dim,
+                          Density density = Density::FULL,
+                          Complexity complexity = Complexity::NOT_COMPLEX,
+                          SignatureTolerance tolerance = STRICT_) {
     KaArrayTypes type(element, shape, density, complexity, dim);
     type.setSignatureTolerance(tolerance);
     return type;
@@ -34,10 +38,16 @@ inline KaArrayTypes relaxed(KaArrayTypes type) {
     return type;
 }
 // Open in every property; relaxed, it is the most permissive declared array.
-inline KaArrayTypes openArray(kaClassID element = kaUNKNOWN_CLASS, SignatureTolerance tolerance = STRICT_) {
-    return array(element, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN, tolerance);
+inline KaArrayTypes openArray(kaClassID element = kaUNKNOWN_CLASS,
+                              SignatureTolerance tolerance = STRICT_) {
+    return array(element, Shape::UNKNOWN, ANY_DIM, Density::UNKNOWN, Complexity::UNKNOWN,
+                 tolerance);
 }
-inline NumericScalarTypes realScalar(kaClassID e) { return {e, NumericScalarTypes::Complexity::REAL}; }
-inline NumericScalarTypes complexScalar(kaClassID e) { return {e, NumericScalarTypes::Complexity::COMPLEX}; }
+inline NumericScalarTypes realScalar(kaClassID e) {
+    return {e, NumericScalarTypes::Complexity::REAL};
+}
+inline NumericScalarTypes complexScalar(kaClassID e) {
+    return {e, NumericScalarTypes::Complexity::COMPLEX};
+}
 
 }  // namespace typestest

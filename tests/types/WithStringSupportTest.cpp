@@ -21,7 +21,8 @@ constexpr std::int32_t kStringClass = 42;
 class WithStringSupportTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        static const std::filesystem::path root = std::filesystem::temp_directory_path() / "builtin-types-test-root";
+        static const std::filesystem::path root =
+            std::filesystem::temp_directory_path() / "builtin-types-test-root";
         std::filesystem::create_directories(root);
         ::setenv("KELDOR_INSTALL_ROOT", root.c_str(), 1);
         foundation::cppmicroservices::createFramework();
@@ -33,10 +34,12 @@ protected:
 
 TEST_F(WithStringSupportTest, ClassIdIsAskedOnceAndKept) {
     ASSERT_EQ(Norvane::builtin::getHeldService<StringSupport>(), service);
-    for (int call = 0; call < 3; ++call) EXPECT_EQ(KeldorStringType::getZobjClassId(), classId(kStringClass));
+    for (int call = 0; call < 3; ++call)
+        EXPECT_EQ(KeldorStringType::getZobjClassId(), classId(kStringClass));
     EXPECT_EQ(service->classIdCalls, 1);
     // The lenient reading keeps its own copy, asked once as well.
-    for (int call = 0; call < 3; ++call) EXPECT_EQ(detail::getKnownStringClassId(), classId(kStringClass));
+    for (int call = 0; call < 3; ++call)
+        EXPECT_EQ(detail::getKnownStringClassId(), classId(kStringClass));
     EXPECT_EQ(service->classIdCalls, 2);
 }
 
@@ -52,7 +55,8 @@ TEST_F(WithStringSupportTest, ConversionsAndRulesUseTheStringClass) {
     EXPECT_TRUE(isCompatible(KeldorStringType(), openArray(string)));
     EXPECT_EQ(array(string, Shape::SCALAR, 0).getOrroSupportLevel(OUT), L::EQUIVALENT_SUPPORT);
     EXPECT_EQ(array(string, Shape::SCALAR, 0).getOrroSupportLevel(IN), L::NO_SUPPORT);
-    EXPECT_EQ(array(classId(kStringClass + 1), Shape::SCALAR, 0).getOrroSupportLevel(OUT), L::NO_SUPPORT);
+    EXPECT_EQ(array(classId(kStringClass + 1), Shape::SCALAR, 0).getOrroSupportLevel(OUT),
+              L::NO_SUPPORT);
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 // rule, distribution by level, their log). How invoke picks among the lists is tests/invoke's.
 #include <gtest/gtest.h>
 
-#include <ka/ka.hpp>
 #include <foundation/log/test/memory_sink.hpp>
+#include <ka/ka.hpp>
 
 #include <builtin/types/ClassifyKaArray.hpp>
 #include <builtin/variants/BuiltinVariantLists.hpp>
@@ -33,9 +33,15 @@ TEST_F(VariantAcceptance, CountsOfInputsAndOutputs) {
 
 TEST_F(VariantAcceptance, ElementWiseShapeTest) {
     const auto lifted = [](std::size_t inputs) {
-        return makeVariant({.in = std::vector<ArgType>(inputs, scalar()), .elementWise = V::IsElementWise::YES});
+        return makeVariant(
+            {.in = std::vector<ArgType>(inputs, scalar()), .elementWise = V::IsElementWise::YES});
     };
-    const struct { const char* name; BuiltinVariant variant; std::vector<ka::Dims> shapes; bool accepted; } cases[] = {
+    const struct {
+        const char* name;
+        BuiltinVariant variant;
+        std::vector<ka::Dims> shapes;
+        bool accepted;
+    } cases[] = {
         {"2x3 with 2x1", lifted(2), {{2, 3}, {2, 1}}, true},
         {"2x3 with 3x2", lifted(2), {{2, 3}, {3, 2}}, false},
         {"0x3 with 0x3", lifted(2), {{0, 3}, {0, 3}}, false},
@@ -45,27 +51,31 @@ TEST_F(VariantAcceptance, ElementWiseShapeTest) {
         {"three arrays", lifted(3), {{2, 2}, {2, 2}, {2, 2}}, false},
         {"flag between two arrays that disagree",
          makeVariant({.in = {scalar(), flag("x"), scalar()}, .elementWise = V::IsElementWise::YES}),
-         {{2, 3}, {1, 1}, {3, 2}}, false},
+         {{2, 3}, {1, 1}, {3, 2}},
+         false},
         {"not element-wise", makeVariant({.in = {scalar()}}), {{2, 3}}, false},
     };
     for (const auto& c : cases) {
         std::vector<ka::ArrayPtr> arrays;
         std::vector<kaArray_tag*> args;
-        for (const ka::Dims& d : c.shapes) args.push_back(arrays.emplace_back(ka::createNumeric(kaDOUBLE_CLASS, d)).get());
+        for (const ka::Dims& d : c.shapes)
+            args.push_back(arrays.emplace_back(ka::createNumeric(kaDOUBLE_CLASS, d)).get());
         EXPECT_EQ(accepts(c.variant, 0, args), c.accepted) << c.name;
     }
 }
 
 TEST_F(VariantAcceptance, CacheKeepsOnlyWhatWasReachedAndClassified) {
     const ka::ArrayPtr x = ka::scalar(1.0);
-    const ka::ArrayPtr widget = ka::createObject(static_cast<kaClassID>(50), "Widget", std::make_shared<int>(1));
+    const ka::ArrayPtr widget =
+        ka::createObject(static_cast<kaClassID>(50), "Widget", std::make_shared<int>(1));
     kaArray_tag* args[] = {widget.get(), x.get(), nullptr};
     ClassificationCache cache;
     const VariantSignature signature(0, 3, args, &cache);
     // Refused at the first input: nothing behind it is classified. An instance of an unknown
     // class is unsupported and not kept, so it is asked about again.
     for (int round = 0; round < 2; ++round) {
-        EXPECT_FALSE(makeVariant({.in = {anyArray(kaUNKNOWN_CLASS), scalar(), scalar()}}) == signature);
+        EXPECT_FALSE(makeVariant({.in = {anyArray(kaUNKNOWN_CLASS), scalar(), scalar()}}) ==
+                     signature);
         ASSERT_EQ(cache.size(), 1u);
         EXPECT_EQ(cache[0].converter, nullptr);
     }
@@ -84,10 +94,17 @@ TEST_F(VariantAcceptance, CacheKeepsOnlyWhatWasReachedAndClassified) {
 // must agree with classifyKaArray on the type and the converter.
 TEST_F(VariantAcceptance, SignatureClassifiesAsTheCommonCore) {
     const ka::ArrayPtr arrays[] = {
-        ka::scalar(2.0), ka::scalar(true), ka::scalar(u'x'), ka::scalar<std::uint64_t>(7),
-        ka::scalar(std::complex<double>(1, 2)), ka::createNumeric(kaINT8_CLASS, {1, 1}, kaCOMPLEX),
-        ka::createSparse(kaDOUBLE_CLASS, 1, 1, {}), ka::createNumeric(kaDOUBLE_CLASS, {1, 1, 2}),
-        ka::createNumeric(kaDOUBLE_CLASS, {1, 0}), ka::row({1.0, 2.0}), ka::createCell({1, 1}),
+        ka::scalar(2.0),
+        ka::scalar(true),
+        ka::scalar(u'x'),
+        ka::scalar<std::uint64_t>(7),
+        ka::scalar(std::complex<double>(1, 2)),
+        ka::createNumeric(kaINT8_CLASS, {1, 1}, kaCOMPLEX),
+        ka::createSparse(kaDOUBLE_CLASS, 1, 1, {}),
+        ka::createNumeric(kaDOUBLE_CLASS, {1, 1, 2}),
+        ka::createNumeric(kaDOUBLE_CLASS, {1, 0}),
+        ka::row({1.0, 2.0}),
+        ka::createCell({1, 1}),
     };
     for (const ka::ArrayPtr& array : arrays) {
         kaArray_tag* args[] = {array.get()};
@@ -118,21 +135,31 @@ BuiltinVariant named(BuiltinVariant variant, const char* name, OrroSupportLevel 
 TEST(SearchLists, CleanupByRule) {
     const BuiltinVariant source = doubleVariant("source", {scalar(kaSINGLE_CLASS)});
     const BuiltinVariant otherSource = doubleVariant("other source", {anyArray()});
-    // Boxing variants with the double scalar signature, which the declared variant "declared" has too.
+    // Boxing variants with the double scalar signature, which the declared variant "declared" has
+    // too.
     const BuiltinVariant boxed = makeVariant({.in = {scalar()}, .out = {scalar()}});
     const BuiltinVariant boxedInt = makeVariant({.in = {scalar(kaINT32_CLASS)}, .out = {scalar()}});
     // Two boxing variants of one source object, with equal boxed signatures.
     const BuiltinVariant box1 = named(boxingOf(source, boxedInt), "box 1", ORRO_ONLY);
     const BuiltinVariant box2 = named(box1, "box 2", ORRO_ONLY);
-    const struct { const char* name; std::vector<BuiltinVariant> variants; Names all; } cases[] = {
+    const struct {
+        const char* name;
+        std::vector<BuiltinVariant> variants;
+        Names all;
+    } cases[] = {
         {"an unsupported output goes, though the inputs are fine",
-         {doubleVariant("fine"), makeVariant({.in = {scalar()}, .out = {UnsupportedArgType{}}, .name = "bad"})},
+         {doubleVariant("fine"),
+          makeVariant({.in = {scalar()}, .out = {UnsupportedArgType{}}, .name = "bad"})},
          {"fine"}},
-        {"equal declared variants both stay", {doubleVariant("first"), doubleVariant("second")}, {"first", "second"}},
+        {"equal declared variants both stay",
+         {doubleVariant("first"), doubleVariant("second")},
+         {"first", "second"}},
         {"a boxing variant behind an equal declared one is unreachable",
          {doubleVariant("declared"), named(boxingOf(source, boxed), "boxed", ORRO_ONLY), source},
          {"declared", "source"}},
-        {"two boxing variants of one source both stay", {box1, source, box2}, {"source", "box 1", "box 2"}},
+        {"two boxing variants of one source both stay",
+         {box1, source, box2},
+         {"source", "box 1", "box 2"}},
         {"of two sources, the first in the order stays",
          {source, otherSource, named(boxingOf(source, boxedInt), "box of source", ORRO_ONLY),
           named(boxingOf(otherSource, boxedInt), "box of other", ORRO_ONLY)},
@@ -153,7 +180,8 @@ TEST(SearchLists, CleanupByRule) {
 // A NO_SUPPORT variant lowers the variants behind it of the same input count that would take
 // its inputs, and those lower others in turn; the output count does not matter.
 TEST(SearchLists, ShadowingLowersAndChains) {
-    KaArrayTypes strictRow(kaDOUBLE_CLASS, Shape::ROW, KaArrayTypes::Density::FULL, KaArrayTypes::Complexity::NOT_COMPLEX);
+    KaArrayTypes strictRow(kaDOUBLE_CLASS, Shape::ROW, KaArrayTypes::Density::FULL,
+                           KaArrayTypes::Complexity::NOT_COMPLEX);
     KaArrayTypes openRow = strictRow;  // takes a row of any element
     openRow.element = kaUNKNOWN_CLASS;
     KaArrayTypes openStrictRow = openRow;  // takes only rows of open element
@@ -176,37 +204,47 @@ TEST(SearchLists, DistributionByLevel) {
     const BuiltinVariantLists lists({
         {named(doubleVariant("equivalent"), "equivalent", EQUIVALENT_SUPPORT),
          named(doubleVariant("orro only", {scalar(kaSINGLE_CLASS)}), "orro only", ORRO_ONLY)},
-        {named(doubleVariant("complex", {scalar(kaDOUBLE_CLASS, true)}), "complex", NO_SUPPORT_SCALAR_COMPLEX),
+        {named(doubleVariant("complex", {scalar(kaDOUBLE_CLASS, true)}), "complex",
+               NO_SUPPORT_SCALAR_COMPLEX),
          named(doubleVariant("none", {scalar(kaINT8_CLASS)}), "none", NO_SUPPORT)},
     });
     EXPECT_EQ(names(lists.all), (Names{"equivalent", "complex", "orro only", "none"}));
     EXPECT_EQ(names(lists.searchedByOrro), (Names{"equivalent", "complex", "orro only"}));
     EXPECT_EQ(names(lists.searchedByInvokeAfterOrro), Names{"none"});
     EXPECT_EQ(names(lists.searchedByInvokeAfterOrroComplexScalarRhs), (Names{"complex", "none"}));
-    EXPECT_EQ(lists.searchedByInvokeAfterOrroComplexScalarRhs[0].orroSupportLevel, NO_SUPPORT_SCALAR_COMPLEX);
+    EXPECT_EQ(lists.searchedByInvokeAfterOrroComplexScalarRhs[0].orroSupportLevel,
+              NO_SUPPORT_SCALAR_COMPLEX);
     EXPECT_EQ(names(lists.searchedByInvokeNoOrro), (Names{"equivalent", "complex", "none"}));
     // Without an engine variant that takes a complex scalar the two lists after Orro are alike.
     const BuiltinVariantLists real({lists.all[0], lists.all[3]});
-    EXPECT_EQ(names(real.searchedByInvokeAfterOrroComplexScalarRhs), names(real.searchedByInvokeAfterOrro));
-    EXPECT_EQ(BuiltinVariantLists(BuiltinVariantLists::concatenateVariantSpans({lists.all, real.all})).all.size(), 6u);
+    EXPECT_EQ(names(real.searchedByInvokeAfterOrroComplexScalarRhs),
+              names(real.searchedByInvokeAfterOrro));
+    EXPECT_EQ(
+        BuiltinVariantLists(BuiltinVariantLists::concatenateVariantSpans({lists.all, real.all}))
+            .all.size(),
+        6u);
 }
 
 TEST(SearchLists, RecordsOfEachStageAndList) {
     foundation::log::test::scoped_channel_mask cleanupMask("builtin2::cleanupVariants", 4);
     foundation::log::test::scoped_channel_mask listsMask("builtin2::BuiltinVariantLists", 4);
-    foundation::log::test::memory_sink cleanup("builtin2::cleanupVariants"), listed("builtin2::BuiltinVariantLists");
+    foundation::log::test::memory_sink cleanup("builtin2::cleanupVariants"),
+        listed("builtin2::BuiltinVariantLists");
     const BuiltinVariant variant = doubleVariant("only");
     const BuiltinVariantLists lists({variant});
     std::ostringstream printed;
     printed << variant << '\n';
-    const std::vector<std::string> stages = {"before cleanup:\n", "removed unsupported:\n", "removed unreachable:\n",
-                                             "removed shadowed:\n", "removed unsupported boxing variants:\n"};
+    const std::vector<std::string> stages = {"before cleanup:\n", "removed unsupported:\n",
+                                             "removed unreachable:\n", "removed shadowed:\n",
+                                             "removed unsupported boxing variants:\n"};
     ASSERT_EQ(cleanup.size(), stages.size());
-    for (std::size_t i = 0; i < stages.size(); ++i) EXPECT_EQ(cleanup.texts()[i], stages[i] + printed.str());
-    EXPECT_EQ(listed.texts(), (std::vector<std::string>{
-                                  "all:\n" + printed.str(), "searchedByOrro:\n" + printed.str(),
-                                  "searchedByInvokeAfterOrro:\n", "searchedByInvokeAfterOrroComplexScalarRhs:\n",
-                                  "searchedByInvokeNoOrro:\n" + printed.str()}));
+    for (std::size_t i = 0; i < stages.size(); ++i)
+        EXPECT_EQ(cleanup.texts()[i], stages[i] + printed.str());
+    EXPECT_EQ(listed.texts(),
+              (std::vector<std::string>{
+                  "all:\n" + printed.str(), "searchedByOrro:\n" + printed.str(),
+                  "searchedByInvokeAfterOrro:\n", "searchedByInvokeAfterOrroComplexScalarRhs:\n",
+                  "searchedByInvokeNoOrro:\n" + printed.str()}));
 }
 
 }  // namespace

@@ -26,7 +26,9 @@ inline ArgType anyArray(kaClassID element = kaDOUBLE_CLASS) {
     type.setSignatureTolerance(SignatureTolerance::RELAXED);
     return type;
 }
-inline ArgType flag(const char* text) { return FlagInputType(std::string(text)); }
+inline ArgType flag(const char* text) {
+    return FlagInputType(std::string(text));
+}
 
 // Never called: tests of matching only need a typed entry to be there.
 inline Parameter unusedEntry(OrroFunctionDescriptor*, IOrroBuiltinEnvironment*, bool& pending,

@@ -17,9 +17,9 @@
 #include <builtin/variants/BoxingVariants.hpp>
 #include <builtin/variants/MakeVariant.hpp>
 
-#include "VariantBuilders.hpp"
 #include "EngineEnvironment.hpp"
 #include "FatalText.hpp"
+#include "VariantBuilders.hpp"
 
 namespace varianttest {
 namespace {
@@ -31,29 +31,47 @@ constexpr auto YES = V::IsElementWise::YES;
 
 TEST(VariantRecord, SupportLevelFoldsFlagsAndTypes) {
     EXPECT_EQ(BuiltinVariant().orroSupportLevel, NO_SUPPORT);
-    const struct { const char* name; Declaration declaration; OrroSupportLevel expected; } cases[] = {
+    const struct {
+        const char* name;
+        Declaration declaration;
+        OrroSupportLevel expected;
+    } cases[] = {
         {"quiet scalar function", {.in = {scalar()}, .out = {scalar()}}, EQUIVALENT_SUPPORT},
         {"calls back", {.in = {scalar()}, .callsBack = V::CallsIntoKeldor::YES}, NO_SUPPORT},
         {"unsupported input", {.in = {scalar(), scalar(kaDOUBLE_CLASS, true)}}, NO_SUPPORT},
-        {"unsupported output", {.in = {scalar()}, .out = {scalar(kaDOUBLE_CLASS, true)}}, NO_SUPPORT},
-        {"warns, not lifted", {.convention = CanThrow, .warns = V::HasWarnings::YES}, EQUIVALENT_SUPPORT},
+        {"unsupported output",
+         {.in = {scalar()}, .out = {scalar(kaDOUBLE_CLASS, true)}},
+         NO_SUPPORT},
+        {"warns, not lifted",
+         {.convention = CanThrow, .warns = V::HasWarnings::YES},
+         EQUIVALENT_SUPPORT},
         {"lifted, quiet", {.in = {scalar()}, .elementWise = YES}, EQUIVALENT_SUPPORT},
-        {"lifted, effects", {.in = {scalar()}, .sideEffects = V::HasSideEffects::YES, .elementWise = YES}, NO_SUPPORT},
-        {"no typed entry", {.typedEntry = nullptr, .throws = V::HasExceptions::YES}, EQUIVALENT_SUPPORT},
+        {"lifted, effects",
+         {.in = {scalar()}, .sideEffects = V::HasSideEffects::YES, .elementWise = YES},
+         NO_SUPPORT},
+        {"no typed entry",
+         {.typedEntry = nullptr, .throws = V::HasExceptions::YES},
+         EQUIVALENT_SUPPORT},
     };
-    for (const auto& c : cases) EXPECT_EQ(makeVariant(c.declaration).orroSupportLevel, c.expected) << c.name;
+    for (const auto& c : cases)
+        EXPECT_EQ(makeVariant(c.declaration).orroSupportLevel, c.expected) << c.name;
 }
 
 TEST(VariantRecordDeathTest, ReportingMustGoWithCanThrow) {
-    const struct { JIT_CALLING_CONVENTION convention; V::HasWarnings warns; V::HasExceptions throws; } broken[] = {
+    const struct {
+        JIT_CALLING_CONVENTION convention;
+        V::HasWarnings warns;
+        V::HasExceptions throws;
+    } broken[] = {
         {CanThrow, V::HasWarnings::NO, V::HasExceptions::NO},
         {JIT_CALLING_CONVENTION::Direct, V::HasWarnings::NO, V::HasExceptions::YES},
         {JIT_CALLING_CONVENTION::DirectWithDescriptor, V::HasWarnings::YES, V::HasExceptions::NO},
     };
     for (const auto& c : broken) {
-        EXPECT_DEATH(makeVariant({.convention = c.convention, .warns = c.warns, .throws = c.throws}),
-                     "isDefaultImpl \\|\\| canThrowIsConsistent\n"
-                     "  at builtin2/interface/builtin/BuiltinVariant:[0-9]+\n  in .*BuiltinVariant\\(");
+        EXPECT_DEATH(
+            makeVariant({.convention = c.convention, .warns = c.warns, .throws = c.throws}),
+            "isDefaultImpl \\|\\| canThrowIsConsistent\n"
+            "  at builtin2/interface/builtin/BuiltinVariant:[0-9]+\n  in .*BuiltinVariant\\(");
     }
 }
 
@@ -71,13 +89,15 @@ TEST(VariantOrder, CountsLeadThenInputTypesAndBoxingFollowsItsSource) {
         makeVariant({.in = {scalar(), scalar()}, .name = "two"}),
     };
     for (std::size_t i = 0; i + 1 < expected.size(); ++i) {
-        EXPECT_TRUE(expected[i] < expected[i + 1] && !(expected[i + 1] < expected[i])) << expected[i].cppFunctionName;
+        EXPECT_TRUE(expected[i] < expected[i + 1] && !(expected[i + 1] < expected[i]))
+            << expected[i].cppFunctionName;
     }
     // Equality and order ignore output types; boxing variants of equal sources order by their
     // own boxed inputs.
     const BuiltinVariant otherOutput = makeVariant({.in = {scalar()}, .out = {anyArray()}});
     const BuiltinVariant otherOutputToo = makeVariant({.in = {scalar()}, .out = {scalar()}});
-    EXPECT_TRUE(otherOutput == otherOutputToo && !(otherOutput < otherOutputToo) && !(otherOutputToo < otherOutput));
+    EXPECT_TRUE(otherOutput == otherOutputToo && !(otherOutput < otherOutputToo) &&
+                !(otherOutputToo < otherOutput));
     EXPECT_FALSE(otherOutput == declared);
     const BuiltinVariant twin = makeVariant({.in = {scalar()}, .name = "twin"});
     EXPECT_TRUE(boxingOf(declared, makeVariant({.in = {scalar(kaSINGLE_CLASS)}})) <
@@ -85,28 +105,36 @@ TEST(VariantOrder, CountsLeadThenInputTypesAndBoxingFollowsItsSource) {
 }
 
 TEST(VariantPrint, GoldenText) {
-    const BuiltinVariant declared = makeVariant(
-        {.in = {scalar(), flag("fast")}, .out = {scalar()}, .developerFunction = reinterpret_cast<void*>(0x1234)});
-    const BuiltinVariant boxing = boxingOf(declared, makeVariant({.in = {anyArray(), flag("fast")}}));
+    const BuiltinVariant declared =
+        makeVariant({.in = {scalar(), flag("fast")},
+                     .out = {scalar()},
+                     .developerFunction = reinterpret_cast<void*>(0x1234)});
+    const BuiltinVariant boxing =
+        boxingOf(declared, makeVariant({.in = {anyArray(), flag("fast")}}));
     std::ostringstream text;
     text << std::boolalpha << declared << boxing;
-    const std::string head = "==================================\nBuiltinVariant:\n c++ function name: native\n"
+    const std::string head =
+        "==================================\nBuiltinVariant:\n c++ function name: native\n"
         "\t keldor function name: fn\n\t dominant class: double\n\t developer function pointer: ";
     const std::string flags =
         "\n\t Flags:\n\t\t mayCallIntoKeldor: 0\n\t\t mayRaiseWarnings: 0\n\t\t mayThrowErrors: 0\n"
         "\t\t mayHaveSideEffects: 0\n\t OrroSupportLevel: OrroSupportLevel::EQUIVALENT_SUPPORT\n";
     const std::string rule = "==================================\n";
-    EXPECT_EQ(text.str(), head + "0x1234" + flags +
-                  "\n\t Input types: [double], [keldor_string<literal_flag<\"fast\">>]\n"
-                  "\t Output types: [double]\n" + rule +
-              head + "0" + flags + "\n\t Input types: [kaArray_of<double,$Shape0,ka_full,$Complexity0>], "
-                  "[keldor_string<literal_flag<\"fast\">>]\n\t Output types: NULL\n"
-                  "\t Original Output types: [double]\n\t Original developer function pointer: 0x1234\n" +
-                  rule);
+    EXPECT_EQ(
+        text.str(),
+        head + "0x1234" + flags +
+            "\n\t Input types: [double], [keldor_string<literal_flag<\"fast\">>]\n"
+            "\t Output types: [double]\n" +
+            rule + head + "0" + flags +
+            "\n\t Input types: [kaArray_of<double,$Shape0,ka_full,$Complexity0>], "
+            "[keldor_string<literal_flag<\"fast\">>]\n\t Output types: NULL\n"
+            "\t Original Output types: [double]\n\t Original developer function pointer: 0x1234\n" +
+            rule);
 }
 
 TEST(FillBoxedVariants, LevelsStartAtOrroOnly) {
-    const BuiltinVariant declared = makeVariant({.in = {scalar(kaSINGLE_CLASS)}, .out = {scalar()}});
+    const BuiltinVariant declared =
+        makeVariant({.in = {scalar(kaSINGLE_CLASS)}, .out = {scalar()}});
     const BuiltinVariant prototype = boxingOf(declared, declared);
     ASSERT_EQ(prototype.orroSupportLevel, EQUIVALENT_SUPPORT);
     std::vector<std::vector<ArgType>> boxed = {{scalar()}, {scalar(kaDOUBLE_CLASS, true)}};
@@ -123,14 +151,17 @@ TEST(FillBoxedVariants, LevelsStartAtOrroOnly) {
 
 TEST(BoxingVariantDeathTest, InconsistentBoxingVariantsStop) {
     const BuiltinVariant original = makeVariant({.in = {scalar()}, .out = {scalar()}});
-    assertBoxingVariantConsistent(makeVariant({.in = {scalar(kaSINGLE_CLASS)}, .out = {scalar()}}), original);
+    assertBoxingVariantConsistent(makeVariant({.in = {scalar(kaSINGLE_CLASS)}, .out = {scalar()}}),
+                                  original);
     BuiltinVariant fewerInputTypes = original, fewerInputs = original, otherOutputType = original;
     fewerInputTypes.inputTypes.clear();
     fewerInputs.inputArgTypes.clear();
-    otherOutputType.outputArgTypes = {scalar(kaSINGLE_CLASS)};  // the same text: only the ArgTypes differ
+    otherOutputType.outputArgTypes = {
+        scalar(kaSINGLE_CLASS)};  // the same text: only the ArgTypes differ
     const auto equal = [](const std::string& member) {
-        return "std::equal(boxingVariant." + member + ".cbegin(), boxingVariant." + member + ".cend(), originalVariant." +
-               member + ".cbegin(), originalVariant." + member + ".cend())";
+        return "std::equal(boxingVariant." + member + ".cbegin(), boxingVariant." + member +
+               ".cend(), originalVariant." + member + ".cbegin(), originalVariant." + member +
+               ".cend())";
     };
     const std::pair<BuiltinVariant, std::string> broken[] = {
         {fewerInputTypes, "boxingVariant.inputTypes.size() == originalVariant.inputTypes.size()"},
@@ -150,16 +181,19 @@ TEST(BoxingVariant, ConversionRecord) {
     logBoxingInputConversions({typeid(double)}, {typeid(int)}, variant);
     EXPECT_EQ(sink.size(), 0u) << "the mask is off";
     foundation::log::test::scoped_channel_mask mask("builtin2::Boxing", 4);
-    logBoxingInputConversions({typeid(double), typeid(kaArray_tag*)}, {typeid(int), typeid(float)}, variant);
+    logBoxingInputConversions({typeid(double), typeid(kaArray_tag*)}, {typeid(int), typeid(float)},
+                              variant);
     logBoxingInputConversions({}, {}, makeVariant({}));
     const auto name = [](const std::type_info& t) {
         return foundation::core::diag::detail::demangle_typeid_name(t.name(), true);
     };
     ASSERT_EQ(sink.size(), 2u);
     EXPECT_EQ(sink.records()[0].severity, 4u);
-    EXPECT_EQ(sink.texts()[0], "Developer inputs: \"" + name(typeid(double)) + "\", \"" + name(typeid(kaArray_tag*)) +
-                                   "\"\nBoxed inputs: \"" + name(typeid(int)) + "\", \"" + name(typeid(float)) +
-                                   "\"\nArgTypes: \"" + variant.inputTypes[0] + "\"\n" + variant.inputTypes[1]);
+    EXPECT_EQ(sink.texts()[0], "Developer inputs: \"" + name(typeid(double)) + "\", \"" +
+                                   name(typeid(kaArray_tag*)) + "\"\nBoxed inputs: \"" +
+                                   name(typeid(int)) + "\", \"" + name(typeid(float)) +
+                                   "\"\nArgTypes: \"" + variant.inputTypes[0] + "\"\n" +
+                                   variant.inputTypes[1]);
     EXPECT_EQ(sink.texts()[1], "Developer inputs: \"\"\nBoxed inputs: \"\"\nArgTypes: \"");
 }
 
@@ -206,15 +240,23 @@ TEST(NativeArgTypes, OneStrictConstantPerElementAndShape) {
         }
     }
     EXPECT_EQ(distinct.size(), 155u);
-    const struct { const char* name; const ArgType& constant; ArgType expected; } rows[] = {
+    const struct {
+        const char* name;
+        const ArgType& constant;
+        ArgType expected;
+    } rows[] = {
         {"double", getNativeArgType<double, NS::SCALAR>(0), scalar()},
-        {"complex double", getNativeArgType<std::complex<double>, NS::SCALAR>(0), scalar(kaDOUBLE_CLASS, true)},
+        {"complex double", getNativeArgType<std::complex<double>, NS::SCALAR>(0),
+         scalar(kaDOUBLE_CLASS, true)},
         {"char16_t", getNativeArgType<char16_t, NS::SCALAR>(0), scalar(kaCHAR_CLASS)},
         {"complex int8 scalar", getNativeArgType<std::complex<std::int8_t>, NS::SCALAR>(0),
          array(kaINT8_CLASS, Shape::SCALAR, 0, true)},
-        {"cell scalar", getNativeArgType<matrix::cell, NS::SCALAR>(0), array(kaCELL_CLASS, Shape::SCALAR, 0)},
-        {"struct matrix", getNativeArgType<matrix::structure, NS::MATRIX>(0), array(kaSTRUCT_CLASS, Shape::TWO_D, 2)},
-        {"uint16 empty", getNativeArgType<std::uint16_t, NS::EMPTY>(0), array(kaUINT16_CLASS, Shape::EMPTY, 0)},
+        {"cell scalar", getNativeArgType<matrix::cell, NS::SCALAR>(0),
+         array(kaCELL_CLASS, Shape::SCALAR, 0)},
+        {"struct matrix", getNativeArgType<matrix::structure, NS::MATRIX>(0),
+         array(kaSTRUCT_CLASS, Shape::TWO_D, 2)},
+        {"uint16 empty", getNativeArgType<std::uint16_t, NS::EMPTY>(0),
+         array(kaUINT16_CLASS, Shape::EMPTY, 0)},
         {"complex single N-d", getNativeArgType<std::complex<float>, NS::ND>(0),
          array(kaSINGLE_CLASS, Shape::ND, 3, true)},
         {"sparse complex double", getNativeArgType<std::complex<double>, NS::SPARSE>(0),
@@ -230,9 +272,14 @@ TEST(NativeArgTypes, OneStrictConstantPerElementAndShape) {
 
 // Getters over fixed tables, to see which index went where.
 const std::vector<ArgType> kFirst = {scalar(kaINT8_CLASS), scalar(kaINT16_CLASS)};
-const std::vector<ArgType> kSecond = {scalar(kaUINT8_CLASS), scalar(kaUINT16_CLASS), scalar(kaUINT32_CLASS)};
-const ArgType& first(std::size_t i) { return kFirst.at(i); }
-const ArgType& second(std::size_t i) { return kSecond.at(i); }
+const std::vector<ArgType> kSecond = {scalar(kaUINT8_CLASS), scalar(kaUINT16_CLASS),
+                                      scalar(kaUINT32_CLASS)};
+const ArgType& first(std::size_t i) {
+    return kFirst.at(i);
+}
+const ArgType& second(std::size_t i) {
+    return kSecond.at(i);
+}
 const ArgType& doubleRow(std::size_t) {
     static const ArgType type = array(kaDOUBLE_CLASS, Shape::ROW, 1);
     return type;
@@ -242,18 +289,22 @@ constexpr auto STRICT = SignatureTolerance::STRICT;
 
 TEST(GetArgTypes, CrossProductWithTheFirstParameterFastest) {
     const ArgTypes types = getArgTypes(STRICT, {2, 3}, {&first, &second}, nullptr);
-    const std::vector<std::pair<std::size_t, std::size_t>> order = {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {0, 2}, {1, 2}};
+    const std::vector<std::pair<std::size_t, std::size_t>> order = {{0, 0}, {1, 0}, {0, 1},
+                                                                    {1, 1}, {0, 2}, {1, 2}};
     ASSERT_EQ(types.inputs.size(), order.size());
     for (std::size_t k = 0; k < order.size(); ++k) {
-        EXPECT_EQ(types.inputs[k], (std::vector<ArgType>{kFirst[order[k].first], kSecond[order[k].second]}));
+        EXPECT_EQ(types.inputs[k],
+                  (std::vector<ArgType>{kFirst[order[k].first], kSecond[order[k].second]}));
     }
     EXPECT_TRUE(types.outputs.empty());
     const ArgTypes none = getArgTypes(STRICT, {}, {}, &first);
     EXPECT_EQ(none.inputs, (std::vector<std::vector<ArgType>>{{}}));
     EXPECT_EQ(none.outputs, (std::vector<ArgType>{kFirst[0]}));
-    EXPECT_THROW(getArgTypes(STRICT, {SIZE_MAX / 2, 3}, {&first, &second}, nullptr), std::length_error);
+    EXPECT_THROW(getArgTypes(STRICT, {SIZE_MAX / 2, 3}, {&first, &second}, nullptr),
+                 std::length_error);
     // The tolerance goes on copies of array types only.
-    const ArgTypes relaxed = getArgTypes(SignatureTolerance::RELAXED, {1, 1}, {&doubleRow, &first}, &doubleRow);
+    const ArgTypes relaxed =
+        getArgTypes(SignatureTolerance::RELAXED, {1, 1}, {&doubleRow, &first}, &doubleRow);
     ASSERT_EQ(relaxed.inputs.size(), 1u);
     EXPECT_EQ(std::get<KaArrayTypes>(relaxed.inputs[0][0]).tolerance, SignatureTolerance::RELAXED);
     EXPECT_EQ(relaxed.inputs[0][1], kFirst[0]);
@@ -269,17 +320,21 @@ TEST(GetArgTypes, CrossProductWithTheFirstParameterFastest) {
 TEST(DeclaringDeathTest, CountsMustMatch) {
     const std::string at = "builtin2/interface/builtin/";
     using testsupport::fatalReport;
-    EXPECT_DEATH(getArgTypes(STRICT, {1, 1}, {&first}, nullptr),
-                 testsupport::fatalReport("numArgTypes.size() == getArgType.size()", at + "getArgTypes"));
+    EXPECT_DEATH(
+        getArgTypes(STRICT, {1, 1}, {&first}, nullptr),
+        testsupport::fatalReport("numArgTypes.size() == getArgType.size()", at + "getArgTypes"));
     assertNumberOfArgTypes(1, 2, 1, 2);
-    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 0, 2), fatalReport("expectedNLhs == actualNLhs", at + "MakeVariant"));
-    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 1, 3), fatalReport("expectedNRhs == actualNRhs", at + "MakeVariant"));
+    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 0, 2),
+                 fatalReport("expectedNLhs == actualNLhs", at + "MakeVariant"));
+    EXPECT_DEATH(assertNumberOfArgTypes(1, 2, 1, 3),
+                 fatalReport("expectedNRhs == actualNRhs", at + "MakeVariant"));
 }
 
 void append(std::vector<BuiltinVariant>& variants, ArgTypes types, const FlagList& flags = {}) {
-    appendNewVariants(variants, nullptr, V::CallsIntoKeldor::NO, V::HasSideEffects::NO, "native", "fn", "double",
-                      flags, V::HasExceptions::NO, {&unusedEntry, nullptr, JIT_CALLING_CONVENTION::Direct},
-                      V::IsElementWise::NO, V::HasWarnings::NO, std::move(types.outputs), std::move(types.inputs));
+    appendNewVariants(variants, nullptr, V::CallsIntoKeldor::NO, V::HasSideEffects::NO, "native",
+                      "fn", "double", flags, V::HasExceptions::NO,
+                      {&unusedEntry, nullptr, JIT_CALLING_CONVENTION::Direct}, V::IsElementWise::NO,
+                      V::HasWarnings::NO, std::move(types.outputs), std::move(types.inputs));
 }
 
 TEST(AppendNewVariants, DropsUnsupportedSignaturesSortsAndPlacesFlags) {
@@ -293,7 +348,8 @@ TEST(AppendNewVariants, DropsUnsupportedSignaturesSortsAndPlacesFlags) {
     append(unsupportedOutput, getArgTypes(STRICT, {1}, {&first}, &nativeStringArgType));
     EXPECT_TRUE(unsupportedOutput.empty());
     // No signatures: nothing added, what is there sorted all the same.
-    std::vector<BuiltinVariant> unsorted = {makeVariant({.in = {scalar(), scalar()}}), makeVariant({.in = {scalar()}})};
+    std::vector<BuiltinVariant> unsorted = {makeVariant({.in = {scalar(), scalar()}}),
+                                            makeVariant({.in = {scalar()}})};
     append(unsorted, {});
     ASSERT_EQ(unsorted.size(), 2u);
     EXPECT_EQ(unsorted[0].inputArgTypes.size(), 1u);
@@ -302,14 +358,16 @@ TEST(AppendNewVariants, DropsUnsupportedSignaturesSortsAndPlacesFlags) {
     std::vector<BuiltinVariant> flagged;
     append(flagged, getArgTypes(STRICT, {1, 1}, {&first, &second}, &first), flags);
     ASSERT_EQ(flagged.size(), 1u);
-    EXPECT_EQ(flagged[0].inputArgTypes, (std::vector<ArgType>{flag("x"), kFirst[0], flag("y"), kSecond[0]}));
+    EXPECT_EQ(flagged[0].inputArgTypes,
+              (std::vector<ArgType>{flag("x"), kFirst[0], flag("y"), kSecond[0]}));
     EXPECT_EQ(flagged[0].inputTypes.at(0), "keldor_string<literal_flag<\"x\">>");
     EXPECT_EQ(flagged[0].orroSupportLevel, OrroSupportLevel::EQUIVALENT_SUPPORT);
 }
 
 TEST(MakeVariant, FindLastVariantWithSupportLevel) {
     using enum OrroSupportLevel;
-    const std::vector<BuiltinVariant> levels = {makeVariant({}), makeVariant({.callsBack = V::CallsIntoKeldor::YES}),
+    const std::vector<BuiltinVariant> levels = {makeVariant({}),
+                                                makeVariant({.callsBack = V::CallsIntoKeldor::YES}),
                                                 makeVariant({.name = "c"})};
     EXPECT_EQ(findLastVariantWithSupportLevel(levels, {EQUIVALENT_SUPPORT, ORRO_ONLY}), &levels[2]);
     EXPECT_EQ(findLastVariantWithSupportLevel(levels, {NO_SUPPORT}), &levels[1]);

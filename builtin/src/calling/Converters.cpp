@@ -43,7 +43,8 @@ Parameter scalarConverter(kaArray_tag* array, const ArgType* declared) {
 Converter scalarConverterOf(kaClassID element, bool complex) noexcept {
     if (complex) {
         switch (element) {
-            case kaDOUBLE_CLASS: return &scalarConverter<std::complex<double>, std::complex<double>>;
+            case kaDOUBLE_CLASS:
+                return &scalarConverter<std::complex<double>, std::complex<double>>;
             case kaSINGLE_CLASS: return &scalarConverter<std::complex<float>, std::complex<float>>;
             default: return nullptr;
         }
@@ -73,8 +74,8 @@ Parameter objectConverter(kaArray_tag* array, const ArgType* declared) {
 }
 
 Parameter unconditionalObjectConverter(kaArray_tag* array, const ArgType*) {
-    auto& object = requireClassProvider("read an engine object from an array")
-                       .fromKaArray(array, false);
+    auto& object =
+        requireClassProvider("read an engine object from an array").fromKaArray(array, false);
     return Parameter(&object);
 }
 

@@ -18,9 +18,9 @@ namespace Norvane::builtin::builtinreg::detail {
 
 template <class T>
 struct ElementView {
-  ka::ArrayPtr array;  // empty for an unboxed scalar
-  std::span<const std::size_t> dims;
-  std::span<const T> data;
+    ka::ArrayPtr array;  // empty for an unboxed scalar
+    std::span<const std::size_t> dims;
+    std::span<const T> data;
 };
 
 // Views `argument`, given the reference it carries if it holds an array (see claimArray). An
@@ -28,24 +28,24 @@ struct ElementView {
 // another alternative throws std::logic_error.
 template <class T>
 ElementView<T> makeView(const Parameter& argument, ka::ArrayPtr array) {
-  ElementView<T> view;
-  if (const T* value = boost::get<T>(&argument)) {
-    view.dims = getScalarDims();
-    view.data = std::span<const T>(value, 1);
+    ElementView<T> view;
+    if (const T* value = boost::get<T>(&argument)) {
+        view.dims = getScalarDims();
+        view.data = std::span<const T>(value, 1);
+        return view;
+    }
+    if (argument.which() != static_cast<int>(parameterIndexOf<kaArray_tag*>)) {
+        assertOrThrowWrongElementWiseArg(typeid(T), types::detail::parameterTypeInfo(argument),
+                                         false);
+    }
+    if (!array || !fitsElementClass(array.get(), elementClasses[parameterIndexOf<T>])) {
+        throw std::bad_cast();
+    }
+    view.dims = matrix::dimensions(array.get());
+    view.data = std::span<const T>(static_cast<const T*>(matrix::data(array.get())),
+                                   elementCount(view.dims));
+    view.array = std::move(array);
     return view;
-  }
-  if (argument.which() != static_cast<int>(parameterIndexOf<kaArray_tag*>)) {
-    assertOrThrowWrongElementWiseArg(typeid(T), types::detail::parameterTypeInfo(argument),
-                                     false);
-  }
-  if (!array || !fitsElementClass(array.get(), elementClasses[parameterIndexOf<T>])) {
-    throw std::bad_cast();
-  }
-  view.dims = matrix::dimensions(array.get());
-  view.data = std::span<const T>(static_cast<const T*>(matrix::data(array.get())),
-                                 elementCount(view.dims));
-  view.array = std::move(array);
-  return view;
 }
 
 }  // namespace Norvane::builtin::builtinreg::detail

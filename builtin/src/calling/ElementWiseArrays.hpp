@@ -21,15 +21,15 @@ using OutputDims = boost::container::small_vector<std::size_t, 5>;
 
 // The class and complexity of the arrays of a numeric type index k, 0 to 12.
 struct ElementClass {
-  kaClassID id;
-  kaComplexity complexity;
+    kaClassID id;
+    kaComplexity complexity;
 };
 inline constexpr std::size_t liftedTypeCount = 13;
 inline constexpr ElementClass elementClasses[liftedTypeCount] = {
-    {kaUINT64_CLASS, kaREAL}, {kaDOUBLE_CLASS, kaREAL}, {kaSINGLE_CLASS, kaREAL},
-    {kaLOGICAL_CLASS, kaREAL}, {kaINT8_CLASS, kaREAL},  {kaINT16_CLASS, kaREAL},
-    {kaINT32_CLASS, kaREAL},  {kaINT64_CLASS, kaREAL},  {kaUINT8_CLASS, kaREAL},
-    {kaUINT16_CLASS, kaREAL}, {kaUINT32_CLASS, kaREAL}, {kaDOUBLE_CLASS, kaCOMPLEX},
+    {kaUINT64_CLASS, kaREAL},   {kaDOUBLE_CLASS, kaREAL}, {kaSINGLE_CLASS, kaREAL},
+    {kaLOGICAL_CLASS, kaREAL},  {kaINT8_CLASS, kaREAL},   {kaINT16_CLASS, kaREAL},
+    {kaINT32_CLASS, kaREAL},    {kaINT64_CLASS, kaREAL},  {kaUINT8_CLASS, kaREAL},
+    {kaUINT16_CLASS, kaREAL},   {kaUINT32_CLASS, kaREAL}, {kaDOUBLE_CLASS, kaCOMPLEX},
     {kaSINGLE_CLASS, kaCOMPLEX}};
 
 // The reference that an array argument carries, now owned by the caller; empty for any other

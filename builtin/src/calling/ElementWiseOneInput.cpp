@@ -10,7 +10,7 @@ namespace {
 
 template <std::size_t... K>
 constexpr std::array<TypedEntry, sizeof...(K)> oneInputEntries(std::index_sequence<K...>) {
-  return {&liftOneInput<ParameterAlternative<K>>...};
+    return {&liftOneInput<ParameterAlternative<K>>...};
 }
 
 constexpr auto entries = oneInputEntries(std::make_index_sequence<liftedTypeCount>());
@@ -24,18 +24,18 @@ Parameter elementWiseInlineC(OrroFunctionDescriptor* const descriptor,
                              IOrroBuiltinEnvironment* const environment, bool& pending,
                              const ParameterList& arguments, const ParameterTypes* /*tag*/,
                              std::size_t out, std::size_t in0) {
-  const std::size_t position = out * parameterTypeCount + in0;
-  const std::size_t k = position / diagonalStep;
-  if (position % diagonalStep != 0 || k >= entries.size()) {
-    return Parameter();
-  }
-  return entries[k](descriptor, environment, pending, arguments);
+    const std::size_t position = out * parameterTypeCount + in0;
+    const std::size_t k = position / diagonalStep;
+    if (position % diagonalStep != 0 || k >= entries.size()) {
+        return Parameter();
+    }
+    return entries[k](descriptor, environment, pending, arguments);
 }
 
 TypedEntry getElementWiseEntry(const ParameterTypes* /*tag*/, std::size_t out, std::size_t in0) {
-  const std::size_t position = out * parameterTypeCount + in0;
-  const std::size_t k = position / diagonalStep;
-  return position % diagonalStep == 0 && k < entries.size() ? entries[k] : nullptr;
+    const std::size_t position = out * parameterTypeCount + in0;
+    const std::size_t k = position / diagonalStep;
+    return position % diagonalStep == 0 && k < entries.size() ? entries[k] : nullptr;
 }
 
 }  // namespace Norvane::builtin::builtinreg::detail

@@ -7,7 +7,7 @@ namespace Norvane::builtin::builtinreg::detail {
 
 template <class T>
 T fetchArgument(const Parameter& argument) {
-  return boost::get<T>(argument);
+    return boost::get<T>(argument);
 }
 
 template std::uint64_t fetchArgument(const Parameter&);

@@ -33,8 +33,7 @@ constexpr const char* conversionSourcePath = "builtin2/interface/builtin/Paramet
 constexpr const char* descriptorSourcePath = "builtin2/interface/builtin/getFunctionDescriptor";
 
 template <std::size_t... Index>
-std::array<const std::type_info*, parameterTypeCount> makeTypeTable(
-    std::index_sequence<Index...>) {
+std::array<const std::type_info*, parameterTypeCount> makeTypeTable(std::index_sequence<Index...>) {
     return {&typeid(ParameterAlternative<Index>)...};
 }
 
@@ -55,8 +54,7 @@ void assertFromParameterType(const std::type_info& expected, const kaArray_tag* 
                                       __PRETTY_FUNCTION__);
 }
 
-void assertOrroObjectFromParameterType(const std::type_info& expected,
-                                       const Parameter& parameter) {
+void assertOrroObjectFromParameterType(const std::type_info& expected, const Parameter& parameter) {
     const std::string text = "expected Parameter to contain " + readableTypeName(expected) +
                              " but actually contains " +
                              readableTypeName(parameterTypeInfo(parameter));
@@ -68,8 +66,9 @@ void assertParameterContainsType(const std::type_info& expected, const Parameter
     if (actual == expected || !fl_diag_terminate()) {
         return;
     }
-    const std::string text = "Parameter created with incorrect type.\nExpected: " +
-                             readableTypeName(expected) + "\nActual: " + readableTypeName(actual);
+    const std::string text =
+        "Parameter created with incorrect type.\nExpected: " + readableTypeName(expected) +
+        "\nActual: " + readableTypeName(actual);
     foundation::core::diag::terminate(text, conversionSourcePath, __LINE__, __PRETTY_FUNCTION__);
 }
 

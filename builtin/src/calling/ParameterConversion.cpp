@@ -73,8 +73,8 @@ void parameterConversionImpl(kaArray_tag** out, Norvane::String::String* value) 
 
 void parameterConversionImpl(kaArray_tag** out, Norvane::orro::OrroObject* value) {
     const IZOBJRegWrapper* provider = types::detail::classProvider();
-    *out = value != nullptr && provider != nullptr ? provider->toKaArray(value, 0).release()
-                                                   : nullptr;
+    *out =
+        value != nullptr && provider != nullptr ? provider->toKaArray(value, 0).release() : nullptr;
 }
 
 }  // namespace Norvane::builtin::builtinreg::detail

@@ -2,8 +2,8 @@
 // generated units, each of which instantiates wrapperRowFor for its own output index.
 #pragma once
 
-#include "WrapperTemplates.hpp"
 #include "WrapperRow.hpp"
+#include "WrapperTemplates.hpp"
 
 #include <type_traits>
 #include <utility>
@@ -18,36 +18,36 @@ using OutputType =
 
 template <class R, std::size_t... In0>
 constexpr std::array<Wrapper, sizeof...(In0)> oneInputWrappers(std::index_sequence<In0...>) {
-  return {&inlineCWrapper<R, ParameterAlternative<In0>>...};
+    return {&inlineCWrapper<R, ParameterAlternative<In0>>...};
 }
 
 // Position p within the block stands for in0 = p / 16, in1 = p % 16.
 template <class R, std::size_t... P>
 constexpr std::array<Wrapper, sizeof...(P)> twoInputWrappers(std::index_sequence<P...>) {
-  return {&inlineCWrapper<R, ParameterAlternative<P / parameterTypeCount>,
-                          ParameterAlternative<P % parameterTypeCount>>...};
+    return {&inlineCWrapper<R, ParameterAlternative<P / parameterTypeCount>,
+                            ParameterAlternative<P % parameterTypeCount>>...};
 }
 
 template <class R>
 constexpr WrapperRow makeWrapperRow() {
-  constexpr auto one = oneInputWrappers<R>(std::make_index_sequence<parameterTypeCount>());
-  constexpr auto two =
-      twoInputWrappers<R>(std::make_index_sequence<parameterTypeCount * parameterTypeCount>());
-  WrapperRow row{};
-  row[0] = &inlineCWrapper<R>;
-  for (std::size_t i = 0; i < one.size(); ++i) {
-    row[oneInputOffset + i] = one[i];
-  }
-  for (std::size_t i = 0; i < two.size(); ++i) {
-    row[twoInputOffset + i] = two[i];
-  }
-  return row;
+    constexpr auto one = oneInputWrappers<R>(std::make_index_sequence<parameterTypeCount>());
+    constexpr auto two =
+        twoInputWrappers<R>(std::make_index_sequence<parameterTypeCount * parameterTypeCount>());
+    WrapperRow row{};
+    row[0] = &inlineCWrapper<R>;
+    for (std::size_t i = 0; i < one.size(); ++i) {
+        row[oneInputOffset + i] = one[i];
+    }
+    for (std::size_t i = 0; i < two.size(); ++i) {
+        row[twoInputOffset + i] = two[i];
+    }
+    return row;
 }
 
 template <std::size_t Out>
 const WrapperRow& wrapperRowFor() {
-  static constexpr WrapperRow row = makeWrapperRow<OutputType<Out>>();
-  return row;
+    static constexpr WrapperRow row = makeWrapperRow<OutputType<Out>>();
+    return row;
 }
 
 }  // namespace Norvane::builtin::builtinreg::detail

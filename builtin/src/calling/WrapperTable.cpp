@@ -32,40 +32,42 @@ using RowGetter = const WrapperRow& (*)();
 
 template <std::size_t... Out>
 constexpr std::array<RowGetter, sizeof...(Out)> rowGetters(std::index_sequence<Out...>) {
-  return {&wrapperRowFor<Out>...};
+    return {&wrapperRowFor<Out>...};
 }
 
 constexpr auto rows = rowGetters(std::make_index_sequence<outputIndexCount>());
 
 constexpr std::size_t base = parameterTypeCount;
 
-Wrapper at(std::size_t out, std::size_t placeInRow) { return rows[out]()[placeInRow]; }
+Wrapper at(std::size_t out, std::size_t placeInRow) {
+    return rows[out]()[placeInRow];
+}
 
 }  // namespace
 
 Wrapper getExportedInlineCWrapperFcn(const ParameterTypes* /*tag*/, std::size_t out) {
-  if (out >= outputIndexCount) {
-    return nullptr;
-  }
-  return at(out, 0);
+    if (out >= outputIndexCount) {
+        return nullptr;
+    }
+    return at(out, 0);
 }
 
 Wrapper getExportedInlineCWrapperFcn(const ParameterTypes* /*tag*/, std::size_t out,
                                      std::size_t in0) {
-  const std::size_t position = out * base + in0;
-  if (position >= outputIndexCount * base) {
-    return nullptr;
-  }
-  return at(position / base, oneInputOffset + position % base);
+    const std::size_t position = out * base + in0;
+    if (position >= outputIndexCount * base) {
+        return nullptr;
+    }
+    return at(position / base, oneInputOffset + position % base);
 }
 
 Wrapper getExportedInlineCWrapperFcn(const ParameterTypes* /*tag*/, std::size_t out,
                                      std::size_t in0, std::size_t in1) {
-  const std::size_t position = (out * base + in0) * base + in1;
-  if (position >= outputIndexCount * base * base) {
-    return nullptr;
-  }
-  return at(position / (base * base), twoInputOffset + position % (base * base));
+    const std::size_t position = (out * base + in0) * base + in1;
+    if (position >= outputIndexCount * base * base) {
+        return nullptr;
+    }
+    return at(position / (base * base), twoInputOffset + position % (base * base));
 }
 
 }  // namespace Norvane::builtin::builtinreg::detail

@@ -19,18 +19,22 @@ struct Behaviour {
 
 // The safe answer where the author said nothing: a function may call back and may have side
 // effects; it may warn and fail exactly if its form lets it report.
-Behaviour resolve(const Options& options, JIT_CALLING_CONVENTION convention, const std::string& name) {
+Behaviour resolve(const Options& options, JIT_CALLING_CONVENTION convention,
+                  const std::string& name) {
     const bool canReport = convention == JIT_CALLING_CONVENTION::CanThrow;
     const bool warns = options.warns.value_or(canReport);
     const bool errors = options.errors.value_or(canReport);
     if (!canReport && (warns || errors)) {
         throw std::invalid_argument(
-            "builtin " + name + ": a function that warns or fails reports through its environment: "
+            "builtin " + name +
+            ": a function that warns or fails reports through its environment: "
             "bool f(inputs..., R* out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*)");
     }
     if (canReport && !warns && !errors) {
-        throw std::invalid_argument("builtin " + name + ": a function of the reporting form must be "
-                                    "able to warn or to fail; declare it without noWarnings or noErrors");
+        throw std::invalid_argument(
+            "builtin " + name +
+            ": a function of the reporting form must be "
+            "able to warn or to fail; declare it without noWarnings or noErrors");
     }
     return {options.callsBack.value_or(true) ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
             options.sideEffects.value_or(true) ? V::HasSideEffects::YES : V::HasSideEffects::NO,
@@ -42,7 +46,8 @@ Behaviour resolve(const Options& options, JIT_CALLING_CONVENTION convention, con
 // the engine.
 class DeclaredFcn final : public BuiltinFcn {
 public:
-    DeclaredFcn(std::string name, const builtinreg::BuiltinVariantLists& lists, BuiltinVariant defaultVariant)
+    DeclaredFcn(std::string name, const builtinreg::BuiltinVariantLists& lists,
+                BuiltinVariant defaultVariant)
         : BuiltinFcn(std::move(name), {}, lists, std::move(defaultVariant), nullptr) {}
     void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
         invoke(nlhs, plhs, nrhs, prhs, VariantsToConsider::InvokeNoOrro);
@@ -59,8 +64,8 @@ void relaxOpenParameters(builtinreg::ArgTypes& signatures, std::initializer_list
         std::size_t position = 0;
         for (const bool relaxed : open) {
             if (relaxed) {
-                signature[position] = types::setSignatureTolerance(std::move(signature[position]),
-                                                                   types::SignatureTolerance::RELAXED);
+                signature[position] = types::setSignatureTolerance(
+                    std::move(signature[position]), types::SignatureTolerance::RELAXED);
             }
             ++position;
         }
@@ -69,7 +74,8 @@ void relaxOpenParameters(builtinreg::ArgTypes& signatures, std::initializer_list
 
 // For each declared variant, the engine-only variants of each boxing declaration: copies of it
 // that share it as their source, with the boxing entry and the boxed inputs.
-void addBoxingVariants(std::vector<BuiltinVariant>& variants, const std::vector<BoxingRecord>& boxing) {
+void addBoxingVariants(std::vector<BuiltinVariant>& variants,
+                       const std::vector<BoxingRecord>& boxing) {
     if (boxing.empty()) return;
     std::vector<BuiltinVariant> added;
     for (const BuiltinVariant& declared : variants) {
@@ -90,8 +96,8 @@ void addBoxingVariants(std::vector<BuiltinVariant>& variants, const std::vector<
     variants.insert(variants.end(), added.begin(), added.end());
 }
 
-void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name, FunctionRecord&& record,
-                 const Options& options) {
+void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
+                 FunctionRecord&& record, const Options& options) {
     const Behaviour behaviour = resolve(options, record.descriptor.callingConvention, name);
     builtinreg::detail::FlagList flags = options.flags;
     builtinreg::detail::sortFlags(flags);
@@ -99,9 +105,9 @@ void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
     std::vector<BuiltinVariant> fresh;
     builtinreg::detail::appendNewVariants(
         fresh, record.developerFunction, behaviour.callsBack, behaviour.sideEffects,
-        options.cppName.empty() ? name : options.cppName, name, options.dominantClass, flags, behaviour.errors,
-        record.descriptor, record.elementWise, behaviour.warns, std::move(record.signatures.outputs),
-        std::move(record.signatures.inputs));
+        options.cppName.empty() ? name : options.cppName, name, options.dominantClass, flags,
+        behaviour.errors, record.descriptor, record.elementWise, behaviour.warns,
+        std::move(record.signatures.outputs), std::move(record.signatures.inputs));
     addBoxingVariants(fresh, record.boxing);
     variants = builtinreg::detail::appendVariants(std::move(variants), std::move(fresh));
 }
@@ -112,7 +118,8 @@ Builtin::Builtin(std::string name) : name_(std::move(name)) {}
 
 DeclaredBuiltin::DeclaredBuiltin(Builtin&& builtin)
     : lists_(std::move(builtin.variants_)),
-      function_(std::make_unique<DeclaredFcn>(builtin.name_, lists_, std::move(builtin.defaultVariant_))) {}
+      function_(std::make_unique<DeclaredFcn>(builtin.name_, lists_,
+                                              std::move(builtin.defaultVariant_))) {}
 
 DeclaredBuiltin::~DeclaredBuiltin() = default;
 

@@ -24,19 +24,22 @@ namespace {
 
 using V = BuiltinVariant;
 
-void runGuarded(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor* descriptor) {
+void runGuarded(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
+                OrroFunctionDescriptor* descriptor) {
     const auto& variant = *reinterpret_cast<const BuiltinVariant*>(descriptor);
     const builtinreg::detail::LogBuiltinVariantExecution_ log(&variant);
     const builtinreg::CallsKeldorCheckAsserted callsBack(&variant);
     std::optional<ka::ThreadWarningScope> noWarnings;
     if (variant.mayRaiseWarnings == V::HasWarnings::NO) {
-        noWarnings.emplace(
-            [&variant](const std::u16string& warning) { builtinreg::detail::AssertIfWarnings{variant}(warning); });
+        noWarnings.emplace([&variant](const std::u16string& warning) {
+            builtinreg::detail::AssertIfWarnings{variant}(warning);
+        });
     }
 
     // A call that asks for no output may still get one, into plhs[0].
     const int room = std::max(nlhs, 1);
-    boost::container::small_vector<kaArray_tag*, 4> outputs(static_cast<std::size_t>(room) + 1, nullptr);
+    boost::container::small_vector<kaArray_tag*, 4> outputs(static_cast<std::size_t>(room) + 1,
+                                                            nullptr);
     const auto function = reinterpret_cast<BuiltinFcn::ArrayFunction>(variant.developerFunction);
     try {
         function(nlhs, outputs.data(), nrhs, prhs, descriptor);
@@ -50,7 +53,8 @@ void runGuarded(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, Orro
     if (outputs[static_cast<std::size_t>(room)] != nullptr) {
         builtinreg::detail::assertLhsOverflow(nlhs, room, variant);
     }
-    throwIfUnassignedOutputs(fl::i18n::utf8_to_ustring(variant.keldorFunctionName), nlhs, outputs.data());
+    throwIfUnassignedOutputs(fl::i18n::utf8_to_ustring(variant.keldorFunctionName), nlhs,
+                             outputs.data());
     if (outputs[0] != nullptr) {
         builtinreg::detail::assertLhsWrongType(variant, outputs[0]);
     }
@@ -65,19 +69,21 @@ void runGuarded(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, Orro
 
 }  // namespace
 
-BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function, const std::string& name, const Options& options) {
+BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function, const std::string& name,
+                                const Options& options) {
     const bool warns = options.warns.value_or(true);
     const bool errors = options.errors.value_or(true);
-    return BuiltinVariant(reinterpret_cast<void*>(function),
-                          OrroFunctionDescriptor{nullptr, reinterpret_cast<NativeEntry>(&runGuarded),
-                                                 JIT_CALLING_CONVENTION::CanThrow},
-                          {}, {types::plainArrayArgType(0)},
-                          options.callsBack.value_or(true) ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
-                          warns ? V::HasWarnings::YES : V::HasWarnings::NO,
-                          errors ? V::HasExceptions::YES : V::HasExceptions::NO,
-                          options.sideEffects.value_or(true) ? V::HasSideEffects::YES : V::HasSideEffects::NO,
-                          options.cppName.empty() ? name : options.cppName, name, options.dominantClass,
-                          V::IsElementWise::NO);
+    return BuiltinVariant(
+        reinterpret_cast<void*>(function),
+        OrroFunctionDescriptor{nullptr, reinterpret_cast<NativeEntry>(&runGuarded),
+                               JIT_CALLING_CONVENTION::CanThrow},
+        {}, {types::plainArrayArgType(0)},
+        options.callsBack.value_or(true) ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
+        warns ? V::HasWarnings::YES : V::HasWarnings::NO,
+        errors ? V::HasExceptions::YES : V::HasExceptions::NO,
+        options.sideEffects.value_or(true) ? V::HasSideEffects::YES : V::HasSideEffects::NO,
+        options.cppName.empty() ? name : options.cppName, name, options.dominantClass,
+        V::IsElementWise::NO);
 }
 
 }  // namespace Norvane::builtin::declare::detail

@@ -21,19 +21,24 @@ namespace {
 
 using V = BuiltinVariant;
 
-bool lifted(const BuiltinVariant& v) { return v.isElementWise == V::IsElementWise::YES; }
+bool lifted(const BuiltinVariant& v) {
+    return v.isElementWise == V::IsElementWise::YES;
+}
 
 std::size_t arrayInputs(const BuiltinVariant& v) {
     std::size_t count = 0;
-    for (const ArgType& input : v.inputArgTypes) if (!types::skipDuringInvoke(input)) ++count;
+    for (const ArgType& input : v.inputArgTypes)
+        if (!types::skipDuringInvoke(input)) ++count;
     return count;
 }
 
 // Whether `earlier` takes an argument of type `taken`: as declared, or, lifted over one array,
 // as an array of its element.
-bool takes(const BuiltinVariant& earlier, const ArgType& declared, const ArgType& taken, bool oneArray) {
+bool takes(const BuiltinVariant& earlier, const ArgType& declared, const ArgType& taken,
+           bool oneArray) {
     return types::isAcceptable(declared, taken) ||
-           (lifted(earlier) && oneArray && types::isAcceptable(types::asElementWiseArrayType(declared), taken));
+           (lifted(earlier) && oneArray &&
+            types::isAcceptable(types::asElementWiseArrayType(declared), taken));
 }
 
 // Whether `earlier` takes every call that `later` takes. A lifted `later` takes arrays of its
@@ -48,22 +53,26 @@ bool covers(const BuiltinVariant& earlier, const BuiltinVariant& later) {
         const ArgType& declared = earlier.inputArgTypes[i];
         const ArgType& taken = later.inputArgTypes[i];
         if (!takes(earlier, declared, taken, oneArray)) return false;
-        if (lifted(later) && !takes(earlier, declared, types::asElementWiseArrayType(taken), oneArray)) return false;
+        if (lifted(later) &&
+            !takes(earlier, declared, types::asElementWiseArrayType(taken), oneArray))
+            return false;
     }
     return true;
 }
 
 // The level the variant's own declarations give it, before shadowing.
 OrroSupportLevel ownLevel(const BuiltinVariant& v) {
-    return BuiltinVariant(v.developerFunction, v.functionDescriptor, v.inputArgTypes, v.outputArgTypes,
-                          v.mayCallIntoKeldor, v.mayRaiseWarnings, v.mayThrowErrors, v.mayHaveSideEffects,
-                          v.cppFunctionName, v.keldorFunctionName, v.dominantClass, v.isElementWise)
+    return BuiltinVariant(v.developerFunction, v.functionDescriptor, v.inputArgTypes,
+                          v.outputArgTypes, v.mayCallIntoKeldor, v.mayRaiseWarnings,
+                          v.mayThrowErrors, v.mayHaveSideEffects, v.cppFunctionName,
+                          v.keldorFunctionName, v.dominantClass, v.isElementWise)
         .orroSupportLevel;
 }
 
 }  // namespace
 
-std::vector<LintFinding> lintVariantLists(const std::string& name, const builtinreg::BuiltinVariantLists& lists) {
+std::vector<LintFinding> lintVariantLists(const std::string& name,
+                                          const builtinreg::BuiltinVariantLists& lists) {
     std::vector<LintFinding> findings;
     const std::vector<BuiltinVariant>& list = lists.searchedByInvokeNoOrro;
     for (std::size_t j = 0; j < list.size(); ++j) {
@@ -73,10 +82,11 @@ std::vector<LintFinding> lintVariantLists(const std::string& name, const builtin
             const BuiltinVariant& earlier = list[i];
             const bool same = earlier == later;
             if (same || covers(earlier, later)) {
-                findings.push_back({LintFinding::Kind::UNREACHABLE,
-                                    name + ": " + signatureText(later) + " is never called: " +
-                                        (same ? "it has the signature of " : "every call it takes goes to ") +
-                                        signatureText(earlier) + ", which comes first"});
+                findings.push_back(
+                    {LintFinding::Kind::UNREACHABLE,
+                     name + ": " + signatureText(later) + " is never called: " +
+                         (same ? "it has the signature of " : "every call it takes goes to ") +
+                         signatureText(earlier) + ", which comes first"});
                 break;
             }
         }
@@ -84,9 +94,11 @@ std::vector<LintFinding> lintVariantLists(const std::string& name, const builtin
     for (const BuiltinVariant& v : lists.all) {
         if (!v.originalVariant && v.orroSupportLevel == OrroSupportLevel::NO_SUPPORT &&
             ownLevel(v) != OrroSupportLevel::NO_SUPPORT) {
-            findings.push_back({LintFinding::Kind::LOWERED,
-                                name + ": " + signatureText(v) + " is never offered to the engine: a variant "
-                                    "ahead of it that the engine cannot call takes calls it would take"});
+            findings.push_back(
+                {LintFinding::Kind::LOWERED,
+                 name + ": " + signatureText(v) +
+                     " is never offered to the engine: a variant "
+                     "ahead of it that the engine cannot call takes calls it would take"});
         }
     }
     return findings;

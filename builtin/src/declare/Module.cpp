@@ -9,7 +9,8 @@ Module::Module(std::string name) : name_(std::move(name)) {}
 Module::~Module() = default;
 
 Builtin& Module::builtin(const std::string& name) {
-    if (finished_) throw std::logic_error("module " + name_ + " is finished: no builtin can be added");
+    if (finished_)
+        throw std::logic_error("module " + name_ + " is finished: no builtin can be added");
     return declaring_.try_emplace(name, name).first->second;
 }
 
@@ -39,11 +40,13 @@ const builtinreg::BuiltinVariantLists* Module::getVariantLists(std::string_view 
 
 namespace detail {
 
-void startModule(cppmicroservices::BundleContext& context, const std::string& name, void (*declare)(Module&)) {
+void startModule(cppmicroservices::BundleContext& context, const std::string& name,
+                 void (*declare)(Module&)) {
     auto module = std::make_shared<Module>(name);
     declare(*module);
     module->finish();
-    context.RegisterService<IBuiltinModule>(module, {{moduleProperty, cppmicroservices::Any(name)}});
+    context.RegisterService<IBuiltinModule>(module,
+                                            {{moduleProperty, cppmicroservices::Any(name)}});
 }
 
 }  // namespace detail

@@ -11,8 +11,8 @@
 namespace Norvane::builtin::declare {
 
 fl::filesystem::path builtinServicesFolder() {
-    return fl::filesystem::path(fl::filesystem::detail::make_native_form(u"bin/linux64/builtinservices", true),
-                                true);
+    return fl::filesystem::path(
+        fl::filesystem::detail::make_native_form(u"bin/linux64/builtinservices", true), true);
 }
 
 ModuleDirectory ModuleDirectory::start(const std::vector<fl::filesystem::path>& folders) {
@@ -37,7 +37,8 @@ ModuleDirectory::ModuleDirectory() {
             const auto [at, added] = byBuiltin_.emplace(name, module.get());
             if (!added) {
                 throw std::runtime_error("the builtin " + name + " is declared by two modules: " +
-                                         at->second->getModuleName() + " and " + module->getModuleName());
+                                         at->second->getModuleName() + " and " +
+                                         module->getModuleName());
             }
         }
         modules_.push_back(std::move(module));
@@ -61,7 +62,8 @@ std::string ModuleDirectory::moduleOf(std::string_view name) const {
 
 std::vector<std::pair<std::string, std::string>> ModuleDirectory::list() const {
     std::vector<std::pair<std::string, std::string>> entries;
-    for (const auto& [name, module] : byBuiltin_) entries.emplace_back(name, module->getModuleName());
+    for (const auto& [name, module] : byBuiltin_)
+        entries.emplace_back(name, module->getModuleName());
     return entries;
 }
 

@@ -11,20 +11,22 @@ namespace Norvane::builtin::declare {
 namespace detail {
 
 types::OrroObjectRuntimeInfo runtimeInfoOf(const std::type_info& type) {
-    return types::getOrroObjectRuntimeInfo(foundation::core::diag::detail::demangle_typeid_name(type.name(), false));
+    return types::getOrroObjectRuntimeInfo(
+        foundation::core::diag::detail::demangle_typeid_name(type.name(), false));
 }
 
 types::ArgType objectArgType(const std::type_info& type, std::size_t (*manifestVariant)()) {
-    const std::string nativeName = foundation::core::diag::detail::demangle_typeid_name(type.name(), false);
+    const std::string nativeName =
+        foundation::core::diag::detail::demangle_typeid_name(type.name(), false);
     const types::OrroObjectRuntimeInfo info = types::getOrroObjectRuntimeInfo(nativeName);
     // Class ids belong to the class system of the running process; one compiled in would be wrong.
-    types::detail::assertOrroObjectHasExpectedClassID(types::detail::getOrroObjectClassID(nativeName.c_str()),
-                                                      nativeName);
+    types::detail::assertOrroObjectHasExpectedClassID(
+        types::detail::getOrroObjectClassID(nativeName.c_str()), nativeName);
     builtinreg::detail::assertOrroVariantIdMatches(info.variantId, manifestVariant, type);
     const kaClassID classId = builtinreg::getClassIdByName(info.kaClassName);
     if (classId == kaUNKNOWN_CLASS) {
-        throw std::invalid_argument("the class system does not know the class " + info.kaClassName + " of " +
-                                    nativeName);
+        throw std::invalid_argument("the class system does not know the class " + info.kaClassName +
+                                    " of " + nativeName);
     }
     return types::OrroObjectTypes(classId, info.variantId, false);
 }

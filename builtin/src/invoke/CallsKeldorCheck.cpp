@@ -34,8 +34,8 @@ VariantStack* stackForPush() {
     try {
         return static_cast<VariantStack*>(Tavi::findOrThrow(id, typeid(VariantStack)));
     } catch (const foundation::usm::DoesNotExistTypeError&) {
-        return static_cast<VariantStack*>(Tavi::insert(
-            id, typeid(VariantStack), foundation::usm::makeValue<VariantStack>()));
+        return static_cast<VariantStack*>(
+            Tavi::insert(id, typeid(VariantStack), foundation::usm::makeValue<VariantStack>()));
     } catch (const foundation::usm::TypeError&) {
         return nullptr;
     }
@@ -45,8 +45,7 @@ VariantStack* stackForPush() {
 
 namespace builtinreg {
 
-CallsKeldorCheckAsserted::CallsKeldorCheckAsserted(const BuiltinVariant* variant)
-    : pushed(false) {
+CallsKeldorCheckAsserted::CallsKeldorCheckAsserted(const BuiltinVariant* variant) : pushed(false) {
     VariantStack* stack = stackForPush();
     if (stack != nullptr) {
         stack->variants.push(variant);

@@ -10,8 +10,8 @@
 #include <fl/diag.hpp>
 #include <ka/ka.hpp>
 
-#include <builtin/types/NativeArgTypes.hpp>
 #include <builtin/types/ClassifyKaArray.hpp>
+#include <builtin/types/NativeArgTypes.hpp>
 
 namespace Norvane::builtin {
 

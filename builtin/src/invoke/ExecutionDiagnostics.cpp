@@ -59,10 +59,9 @@ LogBuiltinVariantExecution_::~LogBuiltinVariantExecution_() {
 }
 
 bool AssertIfWarnings::operator()(const std::u16string& warning) const {
-    const std::string text = "builtin: \"" + variant.keldorFunctionName + "\" function: \"" +
-                             variant.cppFunctionName +
-                             "\" claims no warnings but generated this warning:\n" +
-                             warningText(warning);
+    const std::string text =
+        "builtin: \"" + variant.keldorFunctionName + "\" function: \"" + variant.cppFunctionName +
+        "\" claims no warnings but generated this warning:\n" + warningText(warning);
     foundation::core::diag::terminate(text, kWarningsSourcePath, __LINE__, __PRETTY_FUNCTION__);
 }
 
@@ -73,8 +72,7 @@ void logMultiTaviViolation(const BuiltinVariant* variant) {
     }
 }
 
-void logMultiTaviReportingViolation(const std::string& functionName,
-                                    const std::string& className) {
+void logMultiTaviReportingViolation(const std::string& functionName, const std::string& className) {
     static const diagnostic_logger logger(kMultiTaviChannel);
     writeMultiTaviRecord(logger, functionName, className);
 }

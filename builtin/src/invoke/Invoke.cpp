@@ -41,12 +41,8 @@ struct Environment final : public IOrroBuiltinEnvironment, private IOrroBuiltinA
         : warnings(warningList), pendingException(exception) {}
 
     IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
-    void AddWarningMessage(const std::u16string& message) override {
-        warnings->push_back(message);
-    }
-    void SetInternalPendingException() override {
-        *pendingException = std::current_exception();
-    }
+    void AddWarningMessage(const std::u16string& message) override { warnings->push_back(message); }
+    void SetInternalPendingException() override { *pendingException = std::current_exception(); }
 };
 
 bool holdsArray(const Parameter& parameter) {
@@ -248,7 +244,8 @@ void BuiltinFcn::invokeDefaultImplementation(int nlhs, kaArray_tag** plhs, int n
     if (entry == nullptr) {
         throw std::logic_error("builtin function implementation is nullptr");
     }
-    auto* const descriptor = const_cast<OrroFunctionDescriptor*>(&defaultVariant_.functionDescriptor);
+    auto* const descriptor =
+        const_cast<OrroFunctionDescriptor*>(&defaultVariant_.functionDescriptor);
     reinterpret_cast<ArrayFunction>(entry)(nlhs, plhs, nrhs, prhs, descriptor);
 }
 

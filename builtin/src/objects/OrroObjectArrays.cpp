@@ -24,7 +24,8 @@ std::shared_ptr<IZOBJRegWrapper> requiredProvider(const char* attempted) {
 
 }  // namespace
 
-OwnedKaArray toKaArray(boost::intrusive_ptr<const Norvane::orro::OrroObject>&& object, const char* text) {
+OwnedKaArray toKaArray(boost::intrusive_ptr<const Norvane::orro::OrroObject>&& object,
+                       const char* text) {
     const auto& provider = getHeldService<IZOBJRegWrapper>();
     if (!provider) {
         return nullptr;

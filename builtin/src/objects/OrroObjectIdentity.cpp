@@ -65,7 +65,9 @@ std::size_t getNextCppClassVariant(kaClassID classId) {
     return created ? 0 : ++counter->second;
 }
 
-kaClassID getOrroObjectClassID(const char* /*name*/) { return kaUNKNOWN_CLASS; }
+kaClassID getOrroObjectClassID(const char* /*name*/) {
+    return kaUNKNOWN_CLASS;
+}
 
 void assertOrroObjectHasExpectedClassID(kaClassID classId, const std::string& /*name*/) {
     if (classId == kaUNKNOWN_CLASS || !fl_diag_terminate()) {
@@ -114,8 +116,8 @@ void assertOrroVariantIdMatches(std::size_t id, std::size_t (*const manifestId)(
     }
     foundation::core::diag::terminate("Error OrroObject " + decoratedName(type) +
                                           " has different variant id between manifest.json(" +
-                                          std::to_string(fromManifest) + ") and microservice_impl(" +
-                                          std::to_string(id) + ").",
+                                          std::to_string(fromManifest) +
+                                          ") and microservice_impl(" + std::to_string(id) + ").",
                                       kOrroObjectIdPath, __LINE__, __PRETTY_FUNCTION__);
 }
 

@@ -30,8 +30,8 @@ struct RegistrationTarget {
 void logMissingServices(const char* action, bool providerMissing, bool registerMissing) {
     static const foundation::log::diagnostic_logger logger(kChannel);
     FOUNDATION_LOG(logger, kMissingServiceSeverity)
-        << "Unable to " << action << ", Details:"
-        << (providerMissing ? " zobj Reg Service not available." : "")
+        << "Unable to " << action
+        << ", Details:" << (providerMissing ? " zobj Reg Service not available." : "")
         << (registerMissing ? " orroRegService not available." : "");
 }
 
@@ -73,15 +73,17 @@ void registerWith(const std::string& className, const char* action, Operation&& 
 }  // namespace
 
 void registerOrroObjectHelper(const std::string& className, std::size_t variantId) {
-    registerWith(className, "register OrroObjects", [&](IOrroObjectRegister& objects, kaClassID classId) {
-        objects.registerOrroObject(classId, variantId);
-    });
+    registerWith(className, "register OrroObjects",
+                 [&](IOrroObjectRegister& objects, kaClassID classId) {
+                     objects.registerOrroObject(classId, variantId);
+                 });
 }
 
 void registerOrroObjectHelper(const std::string& className, std::size_t variantId, bool flag) {
-    registerWith(className, "register OrroObjects", [&](IOrroObjectRegister& objects, kaClassID classId) {
-        objects.registerOrroObject(classId, variantId, flag);
-    });
+    registerWith(className, "register OrroObjects",
+                 [&](IOrroObjectRegister& objects, kaClassID classId) {
+                     objects.registerOrroObject(classId, variantId, flag);
+                 });
 }
 
 void registerOrroObjectDefaultIndexingMethodsHelper(
@@ -89,7 +91,8 @@ void registerOrroObjectDefaultIndexingMethodsHelper(
     const Norvane::orro::OrroObjectDefaultIndexingMethods& methods) {
     registerWith(className, "register OrroObject default indexing methods",
                  [&](IOrroObjectRegister& objects, kaClassID classId) {
-                     objects.registerOrroObjectDefaultIndexingMethods(classId, variantId, flag, methods);
+                     objects.registerOrroObjectDefaultIndexingMethods(classId, variantId, flag,
+                                                                      methods);
                  });
 }
 
@@ -117,12 +120,13 @@ void registerParenAssignVariant(const std::string& className, std::size_t varian
 
 namespace detail {
 
-void assertInvalidCallingConvention(const std::string& functionName, const BuiltinVariant& variant) {
-    const auto convention =
-        static_cast<std::int32_t>(variant.functionDescriptor.callingConvention);
+void assertInvalidCallingConvention(const std::string& functionName,
+                                    const BuiltinVariant& variant) {
+    const auto convention = static_cast<std::int32_t>(variant.functionDescriptor.callingConvention);
     foundation::core::diag::terminate("Orro Indexing Function: " + functionName +
                                           " variant was created without an valid jit calling "
-                                          "convention: " + std::to_string(convention),
+                                          "convention: " +
+                                          std::to_string(convention),
                                       kIndexingSourcePath, __LINE__, __PRETTY_FUNCTION__);
 }
 

@@ -33,7 +33,8 @@ OrroObjectRegistry& registry() {
 constexpr std::size_t kDecorationLength = 23;
 
 std::string cppClassNameOf(const std::string& mangledName) {
-    std::string name = foundation::core::diag::detail::demangle_typeid_name(mangledName.c_str(), true);
+    std::string name =
+        foundation::core::diag::detail::demangle_typeid_name(mangledName.c_str(), true);
     if (name.size() < kDecorationLength) {
         throw std::out_of_range("the demangled name is shorter than its decoration");
     }
@@ -63,7 +64,9 @@ const std::string& store(OrroObjectRegistry& table, const std::string& mangledNa
     return stored->second.kaClassName;
 }
 
-std::string diagnostic() { return boost::current_exception_diagnostic_information(true); }
+std::string diagnostic() {
+    return boost::current_exception_diagnostic_information(true);
+}
 
 // The one error of a failed entry, from whatever failed: to be called inside a catch block.
 [[noreturn]] void rethrowAsSaveError(const std::string& key) {
@@ -73,8 +76,10 @@ std::string diagnostic() { return boost::current_exception_diagnostic_informatio
     } catch (const cppmicroservices::BadAnyCastException& e) {
         throw SaveOrroObjectRuntimeInfoError(
             head + e.what() +
-            "\nEach value in the orro_objects object must be an object containing 'kaClassName' and "
-            "'variantId' keys'. 'kaClassName' must be a type castable to std::string and 'variantId' "
+            "\nEach value in the orro_objects object must be an object containing 'kaClassName' "
+            "and "
+            "'variantId' keys'. 'kaClassName' must be a type castable to std::string and "
+            "'variantId' "
             "must be a type castable to size_t for each and every orro_object");
     } catch (const SaveOrroObjectRuntimeInfoError& e) {
         throw SaveOrroObjectRuntimeInfoError(head + e.what());
@@ -102,8 +107,9 @@ std::string diagnostic() { return boost::current_exception_diagnostic_informatio
 }
 
 std::string notFoundMessage(const OrroObjectRegistry& table, const std::string& cppClassName) {
-    std::string message = "Error while trying to get " + cppClassName + " runtime info. Details: " +
-                          cppClassName + " is not found as a saved orro object.\nOrroObjects:\n";
+    std::string message = "Error while trying to get " + cppClassName +
+                          " runtime info. Details: " + cppClassName +
+                          " is not found as a saved orro object.\nOrroObjects:\n";
     for (const auto& [name, info] : table.objects) {
         message += "'" + name + "'\n";
     }
@@ -112,7 +118,8 @@ std::string notFoundMessage(const OrroObjectRegistry& table, const std::string& 
 
 }  // namespace
 
-std::unordered_set<std::string> addOrroObjectRuntimeInfo(const cppmicroservices::AnyMap& orroObjects) {
+std::unordered_set<std::string> addOrroObjectRuntimeInfo(
+    const cppmicroservices::AnyMap& orroObjects) {
     std::unordered_set<std::string> kaClassNames;
     OrroObjectRegistry& table = registry();
     // Held to the end, error messages included: nothing of a manifest shows before all of it.

@@ -16,7 +16,8 @@ constexpr const char16_t* kBundleDirectory = u"bin/linux64/builtinservices";
 constexpr const char* kBundleFilter = "(started-in=builtin2/builtin)";
 
 void startBuiltinServices() {
-    fl::filesystem::path directory(fl::filesystem::detail::make_native_form(kBundleDirectory, true), true);
+    fl::filesystem::path directory(fl::filesystem::detail::make_native_form(kBundleDirectory, true),
+                                   true);
     const cppmicroservices::LDAPFilter filter(kBundleFilter);
     foundation::cppmicroservices::installAndStart(std::move(directory), filter);
 }

@@ -12,7 +12,8 @@ void callUpstreamModules(const std::initializer_list<std::string>& names,
     const cppmicroservices::LDAPProp mangledName("cppMangledTypeName");
     for (const std::string& name : names) {
         // Looked up anew for each name: late services are seen, nothing is cached.
-        const std::shared_ptr<IOrroObjectModuleMgr> module = findService<IOrroObjectModuleMgr>(mangledName == name);
+        const std::shared_ptr<IOrroObjectModuleMgr> module =
+            findService<IOrroObjectModuleMgr>(mangledName == name);
         if (module) {
             callback(module.get());
         }

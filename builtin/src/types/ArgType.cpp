@@ -156,7 +156,9 @@ bool isAcceptableToOrro(const ArgType& declared, const ArgType& candidate) {
     return declared.index() == candidate.index() && isAcceptable(declared, candidate);
 }
 
-bool isCompatible(const ArgType& a, const ArgType& b) { return visitTwo(Compatibility{}, a, b); }
+bool isCompatible(const ArgType& a, const ArgType& b) {
+    return visitTwo(Compatibility{}, a, b);
+}
 
 OrroSupportLevel getOrroSupportLevel(const ArgType& type, ArgTypeDirection direction) {
     return visitOne(
@@ -182,7 +184,9 @@ std::vector<ArgType> getGreaterPrecedenceTypes(const ArgType& type) {
         type);
 }
 
-bool skipDuringInvoke(const ArgType& type) { return std::holds_alternative<FlagInputType>(type); }
+bool skipDuringInvoke(const ArgType& type) {
+    return std::holds_alternative<FlagInputType>(type);
+}
 
 ArgType asElementWiseArrayType(const ArgType& type) {
     KaArrayTypes array = visitOne(

@@ -19,7 +19,9 @@ namespace Norvane::builtin::types {
 
 namespace {
 
-std::pair<ArgType, Converter> unsupported() { return {UnsupportedArgType{}, nullptr}; }
+std::pair<ArgType, Converter> unsupported() {
+    return {UnsupportedArgType{}, nullptr};
+}
 
 // The class id as the class system knows it: the provider goes first where it is there.
 kaClassID classIdOf(const kaArray_tag* array) {
@@ -71,8 +73,7 @@ std::pair<ArgType, Converter> classifyStruct(const kaArray_tag* array) {
 // An opaque array is a string, an engine object or nothing a signature can speak of. A scalar
 // string types as the flag of its own text, so that a declared flag matches it by value.
 std::pair<ArgType, Converter> classifyOpaque(const kaArray_tag* array) {
-    const kaClassID stringClassId =
-        detail::getKnownStringClassId().value_or(kaUNKNOWN_CLASS);
+    const kaClassID stringClassId = detail::getKnownStringClassId().value_or(kaUNKNOWN_CLASS);
     const kaClassID classId = classIdOf(array);
     const StringSupport* strings = detail::stringSupport();
     if (classId == stringClassId && strings != nullptr) {

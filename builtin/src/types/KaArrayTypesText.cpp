@@ -184,6 +184,8 @@ std::ostream& KaArrayTypes::operator<<(std::ostream& os) const {
     return os;
 }
 
-std::ostream& operator<<(std::ostream& os, const KaArrayTypes& type) { return type.operator<<(os); }
+std::ostream& operator<<(std::ostream& os, const KaArrayTypes& type) {
+    return type.operator<<(os);
+}
 
 }  // namespace Norvane::builtin::types

@@ -27,14 +27,14 @@ struct ElementRow {
 
 // The class and complexity of each element, in the order of NativeElement.
 constexpr std::array<ElementRow, nativeElementCount> kElements = {{
-    {kaINT8_CLASS, false}, {kaUINT8_CLASS, false}, {kaINT16_CLASS, false},
-    {kaUINT16_CLASS, false}, {kaINT32_CLASS, false}, {kaUINT32_CLASS, false},
-    {kaINT64_CLASS, false}, {kaUINT64_CLASS, false}, {kaSINGLE_CLASS, false},
-    {kaDOUBLE_CLASS, false}, {kaLOGICAL_CLASS, false}, {kaCHAR_CLASS, false},
-    {kaINT8_CLASS, true}, {kaUINT8_CLASS, true}, {kaINT16_CLASS, true},
-    {kaUINT16_CLASS, true}, {kaINT32_CLASS, true}, {kaUINT32_CLASS, true},
-    {kaINT64_CLASS, true}, {kaUINT64_CLASS, true}, {kaSINGLE_CLASS, true},
-    {kaDOUBLE_CLASS, true}, {kaCELL_CLASS, false}, {kaSTRUCT_CLASS, false},
+    {kaINT8_CLASS, false},     {kaUINT8_CLASS, false},   {kaINT16_CLASS, false},
+    {kaUINT16_CLASS, false},   {kaINT32_CLASS, false},   {kaUINT32_CLASS, false},
+    {kaINT64_CLASS, false},    {kaUINT64_CLASS, false},  {kaSINGLE_CLASS, false},
+    {kaDOUBLE_CLASS, false},   {kaLOGICAL_CLASS, false}, {kaCHAR_CLASS, false},
+    {kaINT8_CLASS, true},      {kaUINT8_CLASS, true},    {kaINT16_CLASS, true},
+    {kaUINT16_CLASS, true},    {kaINT32_CLASS, true},    {kaUINT32_CLASS, true},
+    {kaINT64_CLASS, true},     {kaUINT64_CLASS, true},   {kaSINGLE_CLASS, true},
+    {kaDOUBLE_CLASS, true},    {kaCELL_CLASS, false},    {kaSTRUCT_CLASS, false},
     {kaFUNCTION_CLASS, false},
 }};
 
@@ -78,7 +78,8 @@ public:
                 KaArrayTypes(row.id, Shape::COLUMN, Density::FULL, c, 1);
             slots[slot(NativeShape::MATRIX)] =
                 KaArrayTypes(row.id, Shape::TWO_D, Density::FULL, c, 2);
-            slots[slot(NativeShape::EMPTY)] = KaArrayTypes(row.id, Shape::EMPTY, Density::FULL, c, 0);
+            slots[slot(NativeShape::EMPTY)] =
+                KaArrayTypes(row.id, Shape::EMPTY, Density::FULL, c, 0);
             slots[slot(NativeShape::ND)] = KaArrayTypes(row.id, Shape::ND, Density::FULL, c, 3);
             if (hasSparseView(static_cast<NativeElement>(e))) {
                 slots[slot(NativeShape::SPARSE)] =
@@ -139,7 +140,8 @@ const ArgType& anyShapeArgType(NativeElement element) {
     static const auto types = [] {
         std::array<ArgType, nativeElementCount> made;
         for (std::size_t e = 0; e < nativeElementCount; ++e) {
-            const Complexity c = kElements[e].complex ? Complexity::COMPLEX : Complexity::NOT_COMPLEX;
+            const Complexity c =
+                kElements[e].complex ? Complexity::COMPLEX : Complexity::NOT_COMPLEX;
             KaArrayTypes type(kElements[e].id, Shape::UNKNOWN, Density::FULL, c, SIZE_MAX);
             type.setSignatureTolerance(SignatureTolerance::RELAXED);
             made[e] = type;
@@ -154,7 +156,8 @@ const ArgType& anyShapeArgType(NativeElement element) {
 
 const ArgType& anyArrayArgType(std::size_t index) {
     static const ArgType any = [] {
-        KaArrayTypes type(kaUNKNOWN_CLASS, Shape::UNKNOWN, Density::UNKNOWN, Complexity::UNKNOWN, SIZE_MAX);
+        KaArrayTypes type(kaUNKNOWN_CLASS, Shape::UNKNOWN, Density::UNKNOWN, Complexity::UNKNOWN,
+                          SIZE_MAX);
         type.setSignatureTolerance(SignatureTolerance::RELAXED);
         return ArgType(type);
     }();
@@ -178,7 +181,9 @@ const ArgType& plainArrayArgType(std::size_t index) {
 
 namespace detail {
 
-void throwInvalidSubscript() { throw std::out_of_range("invalid array<T, N> subscript"); }
+void throwInvalidSubscript() {
+    throw std::out_of_range("invalid array<T, N> subscript");
+}
 
 std::optional<NativeElement> nativeElementOfClass(kaClassID element, bool complex) noexcept {
     const auto id = static_cast<std::size_t>(element);

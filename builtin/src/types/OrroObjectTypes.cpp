@@ -13,8 +13,12 @@ struct ObjectId {
     std::size_t variantId;
 };
 
-bool isOpenClass(kaClassID classId) { return classId == kaUNKNOWN_CLASS; }
-bool isOpenVariant(std::size_t variantId) { return variantId == SIZE_MAX; }
+bool isOpenClass(kaClassID classId) {
+    return classId == kaUNKNOWN_CLASS;
+}
+bool isOpenVariant(std::size_t variantId) {
+    return variantId == SIZE_MAX;
+}
 
 bool equalIds(ObjectId a, ObjectId b) {
     if (a.classId != b.classId && !isOpenClass(a.classId) && !isOpenClass(b.classId)) {
@@ -50,7 +54,9 @@ std::string classAndVariant(ObjectId id, const std::string& index) {
     return text;
 }
 
-bool isOpen(ObjectId id) { return isOpenClass(id.classId) || isOpenVariant(id.variantId); }
+bool isOpen(ObjectId id) {
+    return isOpenClass(id.classId) || isOpenVariant(id.variantId);
+}
 
 }  // namespace
 
@@ -62,7 +68,9 @@ bool OrroObjectPlaceTypes::operator<(const OrroObjectPlaceTypes& other) const {
     return lessIds({classId, variantId}, {other.classId, other.variantId});
 }
 
-std::size_t OrroObjectPlaceTypes::hash() const { return hashIds({classId, variantId}); }
+std::size_t OrroObjectPlaceTypes::hash() const {
+    return hashIds({classId, variantId});
+}
 
 std::string OrroObjectPlaceTypes::toString(ArgTypeDirection direction, std::size_t index) const {
     const ObjectId id{classId, variantId};
@@ -72,7 +80,9 @@ std::string OrroObjectPlaceTypes::toString(ArgTypeDirection direction, std::size
     return "orro_object_place<" + classAndVariant(id, std::to_string(index)) + ">";
 }
 
-std::string OrroObjectPlaceTypes::toString() const { return toString(ArgTypeDirection::INPUT, 0); }
+std::string OrroObjectPlaceTypes::toString() const {
+    return toString(ArgTypeDirection::INPUT, 0);
+}
 
 bool OrroObjectTypes::operator==(const OrroObjectTypes& other) const {
     return equalIds({classId, variantId}, {other.classId, other.variantId});
@@ -82,7 +92,9 @@ bool OrroObjectTypes::operator<(const OrroObjectTypes& other) const {
     return lessIds({classId, variantId}, {other.classId, other.variantId});
 }
 
-std::size_t OrroObjectTypes::hash() const { return hashIds({classId, variantId}); }
+std::size_t OrroObjectTypes::hash() const {
+    return hashIds({classId, variantId});
+}
 
 std::string OrroObjectTypes::toString(ArgTypeDirection direction, std::size_t index) const {
     const ObjectId id{classId, variantId};
@@ -104,7 +116,9 @@ std::string OrroObjectTypes::toString(ArgTypeDirection direction, std::size_t in
     return text;
 }
 
-std::string OrroObjectTypes::toString() const { return toString(ArgTypeDirection::INPUT, 0); }
+std::string OrroObjectTypes::toString() const {
+    return toString(ArgTypeDirection::INPUT, 0);
+}
 
 std::ostream& operator<<(std::ostream& os, const OrroObjectPlaceTypes& type) {
     return os << type.toString();

@@ -86,8 +86,7 @@ std::pair<ArgType, Converter> classifyByShape(const kaArray_tag* array, kaClassI
         const bool empty = std::find(dims.begin(), dims.end(), std::size_t{0}) != dims.end();
         return {empty ? corrected(nativeConstant(element, NativeShape::EMPTY), Shape::EMPTY,
                                   dims.size())
-                      : corrected(nativeConstant(element, NativeShape::ND), Shape::ND,
-                                  dims.size()),
+                      : corrected(nativeConstant(element, NativeShape::ND), Shape::ND, dims.size()),
                 &passThroughConverter};
     }
     const std::size_t rows = extent(dims, 0);

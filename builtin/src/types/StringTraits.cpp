@@ -37,8 +37,7 @@ std::u16string_view readString(const kaArray_tag* array) {
     if (matrix::classId(array) == kaCHAR_CLASS) {
         if (matrix::detail::noninlined::ka_array_api::kaIsEmpty(array)) return {};
         if (!isCharRowVector(array)) rejectNonString();
-        return {static_cast<const char16_t*>(matrix::data(array)),
-                matrix::numberOfElements(array)};
+        return {static_cast<const char16_t*>(matrix::data(array)), matrix::numberOfElements(array)};
     }
     const StringSupport* strings = detail::stringSupport();
     if (strings == nullptr) rejectNonString();
@@ -103,8 +102,8 @@ kaArray_tag* TypeTraitsImpl<std::string>::operator()(const std::string& value) c
     return toArray(fl::i18n::utf8_to_ustring(value));
 }
 
-std::u16string_view TypeTraitsImpl<std::u16string_view>::operator()(
-    const kaArray_tag* const array, ArrayHolders& holders) {
+std::u16string_view TypeTraitsImpl<std::u16string_view>::operator()(const kaArray_tag* const array,
+                                                                    ArrayHolders& holders) {
     return readString(hold(array, holders));
 }
 
@@ -113,9 +112,8 @@ const ArgType& TypeTraitsImpl<const detail::ScalarKeldorStringPlaceholder*>::get
     return scalarString;
 }
 
-const detail::ScalarKeldorStringPlaceholder*
-TypeTraitsImpl<const detail::ScalarKeldorStringPlaceholder*>::operator()(
-    Norvane::String::String*) const {
+const detail::ScalarKeldorStringPlaceholder* TypeTraitsImpl<
+    const detail::ScalarKeldorStringPlaceholder*>::operator()(Norvane::String::String*) const {
     foundation::core::diag::terminate(
         "ScalarKeldorStringPlaceholder is not a real type and should not actually be used.",
         "builtin2/interface/builtin/StringTraits", __LINE__, __PRETTY_FUNCTION__);

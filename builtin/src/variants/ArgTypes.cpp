@@ -17,8 +17,8 @@ namespace {
 constexpr const char* kSourcePath = "builtin2/interface/builtin/getArgTypes";
 
 // The number of signatures, or a length error if a vector of them cannot exist.
-std::size_t signatureCount(const std::initializer_list<const std::size_t>& counts,
-                           std::size_t n, std::size_t maxSize) {
+std::size_t signatureCount(const std::initializer_list<const std::size_t>& counts, std::size_t n,
+                           std::size_t maxSize) {
     std::size_t product = 1;
     for (auto count = counts.begin(); count != counts.begin() + n; ++count) {
         if (*count != 0 && product > maxSize / *count) {
@@ -31,7 +31,7 @@ std::size_t signatureCount(const std::initializer_list<const std::size_t>& count
 
 // Moves the odometer on by one, first position fastest. False once every position has wrapped.
 bool nextCombination(boost::container::small_vector_base<std::size_t>& counter,
-             const std::initializer_list<const std::size_t>& counts) {
+                     const std::initializer_list<const std::size_t>& counts) {
     for (std::size_t j = 0; j < counter.size(); ++j) {
         if (++counter[j] < counts.begin()[j]) {
             return true;

@@ -39,8 +39,7 @@ void writeTypeNames(std::ostream& os,
                     std::initializer_list<std::reference_wrapper<const std::type_info>> names) {
     const char* separator = "";
     for (const std::type_info& type : names) {
-        os << separator
-           << foundation::core::diag::detail::demangle_typeid_name(type.name(), true);
+        os << separator << foundation::core::diag::detail::demangle_typeid_name(type.name(), true);
         separator = "\", \"";
     }
 }
@@ -72,20 +71,22 @@ void fillBoxedVariants(const BuiltinVariant& prototype, std::vector<BuiltinVaria
 void assertBoxingVariantConsistent(const BuiltinVariant& boxingVariant,
                                    const BuiltinVariant& originalVariant) {
     check(boxingVariant.inputTypes.size() == originalVariant.inputTypes.size(),
-          "boxingVariant.inputTypes.size() == originalVariant.inputTypes.size()", __LINE__, __PRETTY_FUNCTION__);
+          "boxingVariant.inputTypes.size() == originalVariant.inputTypes.size()", __LINE__,
+          __PRETTY_FUNCTION__);
     check(boxingVariant.inputArgTypes.size() == originalVariant.inputArgTypes.size(),
-          "boxingVariant.inputArgTypes.size() == originalVariant.inputArgTypes.size()", __LINE__, __PRETTY_FUNCTION__);
+          "boxingVariant.inputArgTypes.size() == originalVariant.inputArgTypes.size()", __LINE__,
+          __PRETTY_FUNCTION__);
     check(std::equal(boxingVariant.outputTypes.cbegin(), boxingVariant.outputTypes.cend(),
                      originalVariant.outputTypes.cbegin(), originalVariant.outputTypes.cend()),
           "std::equal(boxingVariant.outputTypes.cbegin(), boxingVariant.outputTypes.cend(), "
           "originalVariant.outputTypes.cbegin(), originalVariant.outputTypes.cend())",
           __LINE__, __PRETTY_FUNCTION__);
-    check(std::equal(boxingVariant.outputArgTypes.cbegin(), boxingVariant.outputArgTypes.cend(),
-                     originalVariant.outputArgTypes.cbegin(),
-                     originalVariant.outputArgTypes.cend()),
-          "std::equal(boxingVariant.outputArgTypes.cbegin(), boxingVariant.outputArgTypes.cend(), "
-          "originalVariant.outputArgTypes.cbegin(), originalVariant.outputArgTypes.cend())",
-          __LINE__, __PRETTY_FUNCTION__);
+    check(
+        std::equal(boxingVariant.outputArgTypes.cbegin(), boxingVariant.outputArgTypes.cend(),
+                   originalVariant.outputArgTypes.cbegin(), originalVariant.outputArgTypes.cend()),
+        "std::equal(boxingVariant.outputArgTypes.cbegin(), boxingVariant.outputArgTypes.cend(), "
+        "originalVariant.outputArgTypes.cbegin(), originalVariant.outputArgTypes.cend())",
+        __LINE__, __PRETTY_FUNCTION__);
 }
 
 void logBoxingInputConversions(

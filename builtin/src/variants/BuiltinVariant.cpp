@@ -105,14 +105,13 @@ bool BuiltinVariant::operator==(const BuiltinVariant& rhs) const {
     // The equality of ArgType is that of std::variant: same alternative, then the alternative's
     // own ==, which for scalars, flags and arrays is equivalence under their order.
     return inputArgTypes.size() == rhs.inputArgTypes.size() &&
-           outputArgTypes.size() == rhs.outputArgTypes.size() &&
-           inputArgTypes == rhs.inputArgTypes;
+           outputArgTypes.size() == rhs.outputArgTypes.size() && inputArgTypes == rhs.inputArgTypes;
 }
 
 bool BuiltinVariant::operator<(const BuiltinVariant& rhs) const {
     const BuiltinVariant& lhs = *this;
-    const bool sameOriginal = lhs.originalVariant && rhs.originalVariant &&
-                              *lhs.originalVariant == *rhs.originalVariant;
+    const bool sameOriginal =
+        lhs.originalVariant && rhs.originalVariant && *lhs.originalVariant == *rhs.originalVariant;
     // A boxing variant stands in for its source, unless both share a source: then their own
     // boxed signatures decide.
     const BuiltinVariant& a = lhs.originalVariant && !sameOriginal ? *lhs.originalVariant : lhs;

@@ -35,7 +35,9 @@ void logStage(const char* label, const std::vector<BuiltinVariant>& variants) {
     });
 }
 
-bool isBoxing(const BuiltinVariant& variant) { return variant.originalVariant != nullptr; }
+bool isBoxing(const BuiltinVariant& variant) {
+    return variant.originalVariant != nullptr;
+}
 
 // What makes a boxing variant unreachable behind another: the same output count and input
 // types. Two boxing variants of one source never match, since each boxes its own signature of
@@ -52,8 +54,8 @@ struct ReachKeyHash {
         std::size_t seed = 0;
         boost::hash_combine(seed, key.outputs);
         for (const ArgType& input : *key.inputs) {
-            boost::hash_combine(seed,
-                                boost::hash<std::string>()(boost::lexical_cast<std::string>(input)));
+            boost::hash_combine(
+                seed, boost::hash<std::string>()(boost::lexical_cast<std::string>(input)));
         }
         return seed;
     }

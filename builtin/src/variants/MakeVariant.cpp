@@ -26,16 +26,14 @@ void appendNewVariants(std::vector<BuiltinVariant>& variants, void* developerFun
                        BuiltinVariant::HasExceptions mayThrowErrors,
                        const OrroFunctionDescriptor& descriptor,
                        BuiltinVariant::IsElementWise isElementWise,
-                       BuiltinVariant::HasWarnings mayRaiseWarnings,
-                       std::vector<ArgType>&& outputs,
+                       BuiltinVariant::HasWarnings mayRaiseWarnings, std::vector<ArgType>&& outputs,
                        std::vector<std::vector<ArgType>>&& inputs) {
     variants.reserve(variants.size() + inputs.size());
     for (std::vector<ArgType>& signature : inputs) {
-        variants.emplace_back(developerFunction, descriptor, std::move(signature), outputs,
-                              mayCallIntoKeldor, mayRaiseWarnings, mayThrowErrors,
-                              mayHaveSideEffects, std::string(cppFunctionName),
-                              std::string(keldorFunctionName), std::string(dominantClass),
-                              isElementWise);
+        variants.emplace_back(
+            developerFunction, descriptor, std::move(signature), outputs, mayCallIntoKeldor,
+            mayRaiseWarnings, mayThrowErrors, mayHaveSideEffects, std::string(cppFunctionName),
+            std::string(keldorFunctionName), std::string(dominantClass), isElementWise);
     }
     // Flags go in after the support level is worked out; a flag is fully supported, so the
     // level stands, and a flag never makes a variant unsupported.
@@ -87,10 +85,8 @@ void removeUnsupportedVariants(std::vector<BuiltinVariant>& variants) {
 }
 
 bool isUnsupportedBuiltinVariant(const BuiltinVariant& variant) {
-    return std::any_of(variant.inputArgTypes.begin(), variant.inputArgTypes.end(),
-                       isUnsupported) ||
-           std::any_of(variant.outputArgTypes.begin(), variant.outputArgTypes.end(),
-                       isUnsupported);
+    return std::any_of(variant.inputArgTypes.begin(), variant.inputArgTypes.end(), isUnsupported) ||
+           std::any_of(variant.outputArgTypes.begin(), variant.outputArgTypes.end(), isUnsupported);
 }
 
 const BuiltinVariant* findLastVariantWithSupportLevel(

@@ -45,8 +45,7 @@ bool isClassifiable(kaClassID classId) {
         return true;
     }
     const auto stringClassId = types::detail::getKnownStringClassId();
-    return (stringClassId && *stringClassId == classId) ||
-           builtinreg::isAKnownOrroObject(classId);
+    return (stringClassId && *stringClassId == classId) || builtinreg::isAKnownOrroObject(classId);
 }
 
 // Makes sure that the cache has an element at i; a new one is fresh.

@@ -18,13 +18,16 @@ public:
         auto provider = std::make_shared<ClassProvider>();
         const cppmicroservices::AnyMap& headers = context.GetBundle().GetHeaders();
         if (const auto section = headers.find("orro_objects"); section != headers.end()) {
-            const auto& orroObjects = cppmicroservices::ref_any_cast<cppmicroservices::AnyMap>(section->second);
-            for (const std::string& kaClassName : Norvane::builtin::types::addOrroObjectRuntimeInfo(orroObjects)) {
+            const auto& orroObjects =
+                cppmicroservices::ref_any_cast<cppmicroservices::AnyMap>(section->second);
+            for (const std::string& kaClassName :
+                 Norvane::builtin::types::addOrroObjectRuntimeInfo(orroObjects)) {
                 provider->defineClass(kaClassName);
             }
         }
         context.RegisterService<Norvane::builtin::IZOBJRegWrapper, ClassSystem>(provider);
-        context.RegisterService<Norvane::builtin::IOrroObjectRegister>(std::make_shared<ObjectRegister>());
+        context.RegisterService<Norvane::builtin::IOrroObjectRegister>(
+            std::make_shared<ObjectRegister>());
     }
     void Stop(cppmicroservices::BundleContext /*context*/) override {}
 };

@@ -90,14 +90,18 @@ OrroObject& ClassProvider::fromKaArray(const kaArray_tag* array, bool /*checked*
     return *heldObject(array).object;
 }
 
-kaClassID ClassProvider::getClassId(const kaArray_tag* array) const { return ka::objectClassId(array); }
+kaClassID ClassProvider::getClassId(const kaArray_tag* array) const {
+    return ka::objectClassId(array);
+}
 
 std::size_t ClassProvider::getVariantId(const kaArray_tag* array) const {
     return heldObject(array).variantId;
 }
 
 // The reference class system has no engine types and no typed objects.
-const ts::iTypeExpression* ClassProvider::getOrroObjectType(kaClassID, std::size_t) const { return nullptr; }
+const ts::iTypeExpression* ClassProvider::getOrroObjectType(kaClassID, std::size_t) const {
+    return nullptr;
+}
 
 bool ClassProvider::getObjectTypeFlag(const kaArray_tag* array) const {
     heldObject(array);
@@ -105,7 +109,8 @@ bool ClassProvider::getObjectTypeFlag(const kaArray_tag* array) const {
 }
 
 void ClassProvider::registerPackageFunction(const std::vector<std::string>& packagePath,
-                                            const std::string& functionName, Zfh_KELDOR_fn* function) {
+                                            const std::string& functionName,
+                                            Zfh_KELDOR_fn* function) {
     std::string qualifiedName;
     for (const std::string& package : packagePath) {
         qualifiedName += (qualifiedName.empty() ? "" : ".") + package;
@@ -120,8 +125,9 @@ void ClassProvider::setZfhFinder(std::string name, ZfhFinder finder) {
     finders_[std::move(name)] = std::move(finder);
 }
 
-void ClassProvider::addMethod(zobj::ZobjClass* cls, const std::string& first, const std::string& second,
-                              const zobj::MemberAccess& /*access*/, bool, bool, bool) {
+void ClassProvider::addMethod(zobj::ZobjClass* cls, const std::string& first,
+                              const std::string& second, const zobj::MemberAccess& /*access*/, bool,
+                              bool, bool) {
     const std::lock_guard lock(mutex_);
     methods_[cls].push_back(first + "." + second);
 }

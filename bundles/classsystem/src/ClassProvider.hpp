@@ -27,7 +27,8 @@ public:
                          const char* text) const override;
     kaClassID getClassId(const kaArray_tag* array) const override;
     std::size_t getVariantId(const kaArray_tag* array) const override;
-    const ts::iTypeExpression* getOrroObjectType(kaClassID classId, std::size_t variantId) const override;
+    const ts::iTypeExpression* getOrroObjectType(kaClassID classId,
+                                                 std::size_t variantId) const override;
     bool getObjectTypeFlag(const kaArray_tag* array) const override;
     void setZfhFinder(std::string name, ZfhFinder finder) override;
     void addMethod(zobj::ZobjClass* cls, const std::string& first, const std::string& second,

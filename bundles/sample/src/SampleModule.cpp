@@ -71,22 +71,33 @@ std::u16string join(std::u16string_view a, std::u16string_view b) {
 // --- functions of one number ------------------------------------------------------------------
 
 // The reporting form: a negative input warns and gives NaN, as the language's real sqrt does.
-bool squareRoot(double x, double* out, IOrroBuiltinEnvironment* environment, OrroFunctionDescriptor*) {
+bool squareRoot(double x, double* out, IOrroBuiltinEnvironment* environment,
+                OrroFunctionDescriptor*) {
     if (x >= 0 || std::isnan(x)) {
         *out = std::sqrt(x);
         return false;
     }
     *out = std::numeric_limits<double>::quiet_NaN();
-    if (IOrroBuiltinAccessors* accessors = environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
-        accessors->AddWarningMessage(u"sqrt of a negative number is NaN here; take the sqrt of a complex number instead");
+    if (IOrroBuiltinAccessors* accessors =
+            environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
+        accessors->AddWarningMessage(
+            u"sqrt of a negative number is NaN here; take the sqrt of a complex number instead");
     }
     return true;
 }
 
-double hypotenuse(double a, double b) { return std::hypot(a, b); }
-double absolute(double x) { return std::abs(x); }
-float absoluteSingle(float x) { return std::abs(x); }
-double magnitude(Complex z) { return std::abs(z); }
+double hypotenuse(double a, double b) {
+    return std::hypot(a, b);
+}
+double absolute(double x) {
+    return std::abs(x);
+}
+float absoluteSingle(float x) {
+    return std::abs(x);
+}
+double magnitude(Complex z) {
+    return std::abs(z);
+}
 
 ka::ArrayPtr magnitudes(Array<Complex> z) {
     const auto dims = z.dimensions();
@@ -96,7 +107,9 @@ ka::ArrayPtr magnitudes(Array<Complex> z) {
     return result;
 }
 
-double roundAway(double x) { return std::round(x); }
+double roundAway(double x) {
+    return std::round(x);
+}
 double roundEven(double x) {
     // Halves go to the even neighbour: the rounding of IEEE arithmetic itself.
     const double floor = std::floor(x);
@@ -112,7 +125,8 @@ bool inverse(double x, double* out, IOrroBuiltinEnvironment* environment, OrroFu
         *out = 1 / x;
         return false;
     } catch (...) {
-        if (IOrroBuiltinAccessors* accessors = environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
+        if (IOrroBuiltinAccessors* accessors =
+                environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
             accessors->SetInternalPendingException();
         }
         return true;
@@ -169,7 +183,8 @@ void declareSort(Builtin& sort) {
 
 char16_t upperOf(char16_t c) {
     // ASCII and Latin-1 letters; the other characters stay.
-    if ((c >= u'a' && c <= u'z') || (c >= u'\u00e0' && c <= u'\u00fe' && c != u'\u00f7')) return c - 32;
+    if ((c >= u'a' && c <= u'z') || (c >= u'\u00e0' && c <= u'\u00fe' && c != u'\u00f7'))
+        return c - 32;
     return c;
 }
 
@@ -183,7 +198,8 @@ template <class Chars>
 ka::ArrayPtr upperChars(Chars chars) {
     std::u16string text(chars.begin(), chars.end());
     std::transform(text.begin(), text.end(), text.begin(), upperOf);
-    return text.empty() ? ka::createNumeric(kaCHAR_CLASS, {0, 0}) : ka::charArray(std::u16string_view(text));
+    return text.empty() ? ka::createNumeric(kaCHAR_CLASS, {0, 0})
+                        : ka::charArray(std::u16string_view(text));
 }
 
 // --- objects ---------------------------------------------------------------------------------
@@ -191,8 +207,12 @@ ka::ArrayPtr upperChars(Chars chars) {
 using classbundle::Counter;
 
 // The engine object starts without a reference; the array it goes into takes one.
-Counter* makeCounter(double start) { return new Counter(static_cast<long>(std::llround(start))); }
-double countOf(Counter* counter) { return static_cast<double>(counter->value()); }
+Counter* makeCounter(double start) {
+    return new Counter(static_cast<long>(std::llround(start)));
+}
+double countOf(Counter* counter) {
+    return static_cast<double>(counter->value());
+}
 
 // --- default implementations ------------------------------------------------------------------
 
@@ -211,7 +231,8 @@ void sizeOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionD
 void classOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor*) {
     if (nrhs != 1 || prhs[0] == nullptr) throw std::invalid_argument("class takes one argument");
     const std::string& objectClass = ka::objectClassName(prhs[0]);
-    const std::string name = objectClass.empty() ? std::string(ka::className(matrix::classId(prhs[0]))) : objectClass;
+    const std::string name =
+        objectClass.empty() ? std::string(ka::className(matrix::classId(prhs[0]))) : objectClass;
     plhs[0] = ka::charArray(std::string_view(name)).release();
 }
 

@@ -10,7 +10,8 @@ namespace stringbundle {
 class Activator final : public cppmicroservices::BundleActivator {
 public:
     void Start(cppmicroservices::BundleContext context) override {
-        context.RegisterService<Norvane::builtin::StringSupport>(std::make_shared<KeldorStringSupport>());
+        context.RegisterService<Norvane::builtin::StringSupport>(
+            std::make_shared<KeldorStringSupport>());
     }
     void Stop(cppmicroservices::BundleContext /*context*/) override {}
 };

@@ -60,9 +60,13 @@ OwnedArray makeArray(std::span<const std::size_t> dims, std::vector<std::u16stri
 
 }  // namespace
 
-bool KeldorStringSupport::isString(const kaArray_tag* array) const { return payloadOf(array) != nullptr; }
+bool KeldorStringSupport::isString(const kaArray_tag* array) const {
+    return payloadOf(array) != nullptr;
+}
 
-kaClassID KeldorStringSupport::getStringClassId() const { return kStringClassId; }
+kaClassID KeldorStringSupport::getStringClassId() const {
+    return kStringClassId;
+}
 
 std::size_t KeldorStringSupport::getNumberOfStrings(const kaArray_tag* array) const {
     return checkedPayload(array).strings.size();
@@ -72,7 +76,8 @@ std::string KeldorStringSupport::getStringUtf8(const kaArray_tag* array, std::si
     return fl::i18n::ustring_to_utf8(checkedElement(array, index));
 }
 
-const std::u16string& KeldorStringSupport::getString(const kaArray_tag* array, std::size_t index) const {
+const std::u16string& KeldorStringSupport::getString(const kaArray_tag* array,
+                                                     std::size_t index) const {
     return checkedElement(array, index);
 }
 
@@ -84,15 +89,17 @@ OwnedArray KeldorStringSupport::createString(std::span<const std::size_t> dims,
                                              std::vector<std::u16string> strings) const {
     if (strings.size() != elementCount(dims)) {
         throw std::invalid_argument("createString: " + std::to_string(strings.size()) +
-                                    " strings for an array of " + std::to_string(elementCount(dims)) +
-                                    " elements");
+                                    " strings for an array of " +
+                                    std::to_string(elementCount(dims)) + " elements");
     }
     return makeArray(dims, std::move(strings));
 }
 
-std::optional<std::u16string_view> KeldorStringSupport::getStringFlag(const kaArray_tag* array) const {
+std::optional<std::u16string_view> KeldorStringSupport::getStringFlag(
+    const kaArray_tag* array) const {
     const StringArray* payload = payloadOf(array);
-    if (payload == nullptr || payload->strings.size() != 1 || matrix::numberOfElements(array) != 1) {
+    if (payload == nullptr || payload->strings.size() != 1 ||
+        matrix::numberOfElements(array) != 1) {
         return std::nullopt;
     }
     return std::u16string_view(payload->strings.front());
@@ -102,7 +109,8 @@ std::vector<std::u16string> KeldorStringSupport::getStrings(const kaArray_tag* a
     return checkedPayload(array).strings;
 }
 
-OwnedArray KeldorStringSupport::stringToKaArray(Norvane::String::String* value, unsigned options) const {
+OwnedArray KeldorStringSupport::stringToKaArray(Norvane::String::String* value,
+                                                unsigned options) const {
     if (value == nullptr) {
         throw std::invalid_argument("stringToKaArray: null string");
     }

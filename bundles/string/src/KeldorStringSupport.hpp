@@ -18,7 +18,8 @@ public:
     std::string getStringUtf8(const kaArray_tag* array, std::size_t index) const override;
     const std::u16string& getString(const kaArray_tag* array, std::size_t index) const override;
     OwnedArray createEmptyStrings(std::span<const std::size_t> dims) const override;
-    OwnedArray createString(std::span<const std::size_t> dims, std::vector<std::u16string> strings) const override;
+    OwnedArray createString(std::span<const std::size_t> dims,
+                            std::vector<std::u16string> strings) const override;
     std::optional<std::u16string_view> getStringFlag(const kaArray_tag* array) const override;
     std::vector<std::u16string> getStrings(const kaArray_tag* array) const override;
     OwnedArray stringToKaArray(Norvane::String::String* value, unsigned options) const override;

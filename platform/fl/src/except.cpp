@@ -8,7 +8,7 @@ IUserException::~IUserException() = default;
 IMsgIDException::~IMsgIDException() = default;
 
 std::string IMsgIDException::get_error_id(const MessageId& id) {
-  return id.catalog + ":" + id.key;
+    return id.catalog + ":" + id.key;
 }
 
 }  // namespace foundation::core::except

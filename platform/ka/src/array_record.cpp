@@ -80,7 +80,9 @@ bool isNumericClass(kaClassID id) {
 
 }  // namespace ka::detail
 
-std::size_t ka::liveArrayCount() { return detail::liveArrays.load(std::memory_order_relaxed); }
+std::size_t ka::liveArrayCount() {
+    return detail::liveArrays.load(std::memory_order_relaxed);
+}
 
 void matrix::destroyArray(kaArray_tag* array) noexcept {
     using namespace ka::detail;

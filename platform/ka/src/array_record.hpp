@@ -22,8 +22,8 @@ enum class Kind : unsigned char { numeric, sparse, cell, structure, function, ob
 struct Extra {
     Dims hiddenDims;  // dimensions held back while the opaque mark is set
     std::vector<std::size_t> columnStarts, rowIndices;  // sparse
-    std::vector<std::string> fieldNames;                 // struct
-    std::string name;                                    // function name or object class name
+    std::vector<std::string> fieldNames;                // struct
+    std::string name;                                   // function name or object class name
     kaClassID objectClass = kaUNKNOWN_CLASS;
     std::shared_ptr<void> payload;
     const std::type_info* payloadType = nullptr;
@@ -49,15 +49,17 @@ struct ArrayRecord final : kaArray_tag {
     }
 
     Kind kind;
-    DataBlock* block = nullptr;          // owned share of a heap data block, if any
-    std::size_t heldCount = 0;           // element arrays a cell or struct owns, from data
+    DataBlock* block = nullptr;             // owned share of a heap data block, if any
+    std::size_t heldCount = 0;              // element arrays a cell or struct owns, from data
     std::unique_ptr<std::size_t[]> ndDims;  // dimension list of an N-d array
     std::unique_ptr<Extra> extra;
 
     Extra& ensureExtra();
 };
 
-inline ArrayRecord& record(kaArray_tag* a) { return static_cast<ArrayRecord&>(*a); }
+inline ArrayRecord& record(kaArray_tag* a) {
+    return static_cast<ArrayRecord&>(*a);
+}
 inline const ArrayRecord& record(const kaArray_tag* a) {
     return static_cast<const ArrayRecord&>(*a);
 }

@@ -100,15 +100,13 @@ ka::ArrayPtr ka::createSparse(kaClassID classId, std::size_t rows, std::size_t c
         ++extra.columnStarts[merged[k].column + 1];
         storeSparseValue(classId, r.data, k, merged[k].value, complex);
     }
-    for (std::size_t c = 0; c < columns; ++c)
-        extra.columnStarts[c + 1] += extra.columnStarts[c];
+    for (std::size_t c = 0; c < columns; ++c) extra.columnStarts[c + 1] += extra.columnStarts[c];
     return array;
 }
 
 matrix::detail::SparseParts matrix::detail::sparseParts(const kaArray_tag* array) {
     const auto& r = ka::detail::expectKind(array, ka::detail::Kind::sparse, "sparse");
-    return {r.extra->columnStarts.data(), r.extra->rowIndices.data(),
-            r.extra->rowIndices.size()};
+    return {r.extra->columnStarts.data(), r.extra->rowIndices.data(), r.extra->rowIndices.size()};
 }
 
 ka::ArrayPtr ka::createCell(const Dims& dims, std::vector<ArrayPtr> elements) {
@@ -158,8 +156,7 @@ const kaArray_tag* ka::field(const kaArray_tag* structArray, std::size_t index,
                              std::string_view name) {
     std::span<const std::string> names = fieldNames(structArray);
     auto found = std::find(names.begin(), names.end(), name);
-    if (found == names.end())
-        throw std::out_of_range("no field '" + std::string(name) + "'");
+    if (found == names.end()) throw std::out_of_range("no field '" + std::string(name) + "'");
     const std::size_t slot = detail::checkIndex(structArray, index) * names.size() +
                              static_cast<std::size_t>(found - names.begin());
     return detail::heldArrays(structArray)[slot];

@@ -16,10 +16,25 @@ struct ClassInfo {
 };
 
 constexpr std::array<ClassInfo, 19> classInfo{{
-    {"", 0}, {"cell", 0}, {"struct", 0}, {"logical", 1}, {"char", 2}, {"void", 0},
-    {"double", 8}, {"single", 4}, {"int8", 1}, {"uint8", 1}, {"int16", 2}, {"uint16", 2},
-    {"int32", 4}, {"uint32", 4}, {"int64", 8}, {"uint64", 8}, {"function_handle", 0},
-    {"opaque", 0}, {"object", 0},
+    {"", 0},
+    {"cell", 0},
+    {"struct", 0},
+    {"logical", 1},
+    {"char", 2},
+    {"void", 0},
+    {"double", 8},
+    {"single", 4},
+    {"int8", 1},
+    {"uint8", 1},
+    {"int16", 2},
+    {"uint16", 2},
+    {"int32", 4},
+    {"uint32", 4},
+    {"int64", 8},
+    {"uint64", 8},
+    {"function_handle", 0},
+    {"opaque", 0},
+    {"object", 0},
 }};
 
 }  // namespace
@@ -36,8 +51,7 @@ std::string_view ka::className(kaClassID classId) {
 }
 
 ka::ArrayPtr matrix::detail::do_create_uninitnumeric(std::span<const std::size_t> dimensions,
-                                                     kaClassID classId,
-                                                     kaComplexity complexity) {
+                                                     kaClassID classId, kaComplexity complexity) {
     using namespace ka::detail;
     if (!isNumericClass(classId)) rejectInvalidClassId(classId);
     const bool complex = complexity == kaCOMPLEX;
@@ -66,13 +80,15 @@ ka::ArrayPtr ka::createNumeric(kaClassID classId, const Dims& dims, kaComplexity
 }
 
 ka::ArrayPtr ka::charArray(std::u16string_view text) {
-    ArrayPtr array = matrix::detail::do_create_uninitnumeric(Dims{1, text.size()}, kaCHAR_CLASS,
-                                                             kaREAL);
+    ArrayPtr array =
+        matrix::detail::do_create_uninitnumeric(Dims{1, text.size()}, kaCHAR_CLASS, kaREAL);
     std::memcpy(array->data, text.data(), text.size() * sizeof(char16_t));
     return array;
 }
 
-ka::ArrayPtr ka::charArray(std::string_view utf8) { return charArray(detail::toUtf16(utf8)); }
+ka::ArrayPtr ka::charArray(std::string_view utf8) {
+    return charArray(detail::toUtf16(utf8));
+}
 
 ka::ArrayPtr ka::sharedDataCopy(const kaArray_tag* source) {
     using namespace detail;

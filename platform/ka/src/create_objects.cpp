@@ -31,7 +31,8 @@ const std::string& ka::functionName(const kaArray_tag* handle) {
 
 ka::ArrayPtr ka::createObject(ObjectDescription description) {
     if (description.classId <= kaOBJECT_CLASS)
-        throw std::invalid_argument("class id " + std::to_string(static_cast<int>(description.classId)) +
+        throw std::invalid_argument("class id " +
+                                    std::to_string(static_cast<int>(description.classId)) +
                                     " is not a class of the class system");
     if (description.storedClass != kaSTRUCT_CLASS && description.storedClass != kaOPAQUE_CLASS &&
         description.storedClass != kaOBJECT_CLASS)

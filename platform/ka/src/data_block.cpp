@@ -15,13 +15,15 @@ namespace {
 constexpr std::size_t headerBytes = dataAlignment;
 constexpr std::size_t hugePage = std::size_t{2} << 20;
 
-std::size_t roundUp(std::size_t n, std::size_t unit) { return (n + unit - 1) / unit * unit; }
+std::size_t roundUp(std::size_t n, std::size_t unit) {
+    return (n + unit - 1) / unit * unit;
+}
 
 // Maps a region aligned to a huge page, so that every 2 MiB of it can be backed by one.
 void* mapHugeAligned(std::size_t bytes) {
     const std::size_t slack = hugePage;
-    void* base = mmap(nullptr, bytes + slack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
-                      -1, 0);
+    void* base =
+        mmap(nullptr, bytes + slack, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (base == MAP_FAILED) throw std::bad_alloc();
     const auto start = reinterpret_cast<std::uintptr_t>(base);
     const std::uintptr_t aligned = roundUp(start, hugePage);
@@ -51,7 +53,9 @@ DataBlock* allocateBlock(std::size_t bytes) {
     return new (memory) DataBlock{1, mapped};
 }
 
-void* blockData(DataBlock* block) { return reinterpret_cast<std::byte*>(block) + headerBytes; }
+void* blockData(DataBlock* block) {
+    return reinterpret_cast<std::byte*>(block) + headerBytes;
+}
 
 void releaseBlock(DataBlock* block) noexcept {
     if (block == nullptr || --block->users > 0) return;

@@ -116,7 +116,9 @@ std::vector<std::string> exactIntegerTexts(kaClassID id, const void* data, std::
     }
 }
 
-bool isFloating(kaClassID id) { return id == kaDOUBLE_CLASS || id == kaSINGLE_CLASS; }
+bool isFloating(kaClassID id) {
+    return id == kaDOUBLE_CLASS || id == kaSINGLE_CLASS;
+}
 
 // Joins by appending. Also keeps clear of a false -Wrestrict of GCC 12 on "text" + string.
 std::string concat(std::initializer_list<std::string_view> pieces) {
@@ -187,7 +189,8 @@ std::string sizeText(const kaArray_tag* a) {
 
 std::string charRowText(const kaArray_tag* a, std::size_t row) {
     std::span<const std::size_t> dims = matrix::dimensions(a);
-    const std::size_t rows = dims[0], columns = matrix::numberOfElements(a) / std::max<std::size_t>(rows, 1);
+    const std::size_t rows = dims[0],
+                      columns = matrix::numberOfElements(a) / std::max<std::size_t>(rows, 1);
     std::u16string text(columns, u' ');
     const auto* units = static_cast<const char16_t*>(a->data);
     for (std::size_t c = 0; c < columns; ++c) text[c] = units[c * rows + row];
@@ -252,7 +255,8 @@ void printPages(std::ostream& out, const kaArray_tag* a, std::string_view name, 
         } else {
             printHeader(out, name);
         }
-        for (std::size_t r = 0; r < rows; ++r) out << row(p * rows * columns, r, rows, columns) << "\n";
+        for (std::size_t r = 0; r < rows; ++r)
+            out << row(p * rows * columns, r, rows, columns) << "\n";
         out << "\n";
     }
 }
@@ -265,20 +269,24 @@ void printNumeric(std::ostream& out, const kaArray_tag* a, std::string_view name
         return;
     }
     if (matrix::classId(a) == kaCHAR_CLASS) {
-        printPages(out, a, name, [&](std::size_t offset, std::size_t r, std::size_t rows, std::size_t columns) {
-            std::u16string text(columns, u' ');
-            const auto* units = static_cast<const char16_t*>(a->data) + offset;
-            for (std::size_t c = 0; c < columns; ++c) text[c] = units[c * rows + r];
-            return concat({"    '", toUtf8(text), "'"});
-        });
+        printPages(out, a, name,
+                   [&](std::size_t offset, std::size_t r, std::size_t rows, std::size_t columns) {
+                       std::u16string text(columns, u' ');
+                       const auto* units = static_cast<const char16_t*>(a->data) + offset;
+                       for (std::size_t c = 0; c < columns; ++c) text[c] = units[c * rows + r];
+                       return concat({"    '", toUtf8(text), "'"});
+                   });
         return;
     }
-    const ElementTexts texts = elementTexts(matrix::classId(a), a->data, numel, matrix::isComplex(a));
-    printPages(out, a, name, [&](std::size_t offset, std::size_t r, std::size_t rows, std::size_t columns) {
-        std::string line;
-        for (std::size_t c = 0; c < columns; ++c) line += padLeft(texts.texts[offset + c * rows + r], texts.width);
-        return line;
-    });
+    const ElementTexts texts =
+        elementTexts(matrix::classId(a), a->data, numel, matrix::isComplex(a));
+    printPages(out, a, name,
+               [&](std::size_t offset, std::size_t r, std::size_t rows, std::size_t columns) {
+                   std::string line;
+                   for (std::size_t c = 0; c < columns; ++c)
+                       line += padLeft(texts.texts[offset + c * rows + r], texts.width);
+                   return line;
+               });
 }
 
 void printSparse(std::ostream& out, const kaArray_tag* a, std::string_view name) {
@@ -288,15 +296,18 @@ void printSparse(std::ostream& out, const kaArray_tag* a, std::string_view name)
         out << "   All zero sparse: " << sizeText(a) << "\n\n";
         return;
     }
-    const ElementTexts values = elementTexts(matrix::classId(a), a->data, sp.nonZeros, matrix::isComplex(a));
+    const ElementTexts values =
+        elementTexts(matrix::classId(a), a->data, sp.nonZeros, matrix::isComplex(a));
     std::vector<std::string> places;
     const std::size_t columns = matrix::dimensions(a)[1];
     for (std::size_t c = 0; c < columns; ++c)
         for (std::size_t k = sp.columnStarts[c]; k < sp.columnStarts[c + 1]; ++k)
-            places.push_back(concat({"(", std::to_string(sp.rowIndices[k] + 1), ",", std::to_string(c + 1), ")"}));
+            places.push_back(concat(
+                {"(", std::to_string(sp.rowIndices[k] + 1), ",", std::to_string(c + 1), ")"}));
     const std::size_t placeWidth = longest(places);
     for (std::size_t k = 0; k < sp.nonZeros; ++k)
-        out << "   " << padLeft(places[k], placeWidth) << padLeft(values.texts[k], values.width + 2) << "\n";
+        out << "   " << padLeft(places[k], placeWidth) << padLeft(values.texts[k], values.width + 2)
+            << "\n";
     out << "\n";
 }
 
@@ -321,7 +332,8 @@ void printCell(std::ostream& out, const kaArray_tag* a, std::string_view name) {
         std::string line;
         for (std::size_t c = 0; c < columns; ++c) {
             const std::string& t = texts[c * rows + r];
-            line += concat({"    ", t, c + 1 < columns ? std::string(widths[c] - t.size(), ' ') : ""});
+            line +=
+                concat({"    ", t, c + 1 < columns ? std::string(widths[c] - t.size(), ' ') : ""});
         }
         out << line << "\n";
     }
@@ -332,7 +344,8 @@ void printStruct(std::ostream& out, const kaArray_tag* a, std::string_view name)
     printHeader(out, name);
     std::span<const std::string> names = fieldNames(a);
     if (matrix::numberOfElements(a) != 1) {
-        out << "  " << sizeText(a) << " struct array " << (names.empty() ? "with no fields.\n" : "with fields:\n\n");
+        out << "  " << sizeText(a) << " struct array "
+            << (names.empty() ? "with no fields.\n" : "with fields:\n\n");
         for (const std::string& field : names) out << "    " << field << "\n";
         out << "\n";
         return;
@@ -400,7 +413,9 @@ void ka::print(std::ostream& out, const kaArray_tag* array, std::string_view nam
     }
 }
 
-std::string ka::toUtf8(std::u16string_view text) { return detail::toUtf8(text); }
+std::string ka::toUtf8(std::u16string_view text) {
+    return detail::toUtf8(text);
+}
 
 std::string ka::toDisplayString(const kaArray_tag* array, std::string_view name) {
     std::ostringstream out;

@@ -25,7 +25,9 @@ void writeToStderr(const std::u16string& text) {
 
 }  // namespace
 
-void ka::pin(kaArray_tag* array) { ++array->pinCount; }
+void ka::pin(kaArray_tag* array) {
+    ++array->pinCount;
+}
 
 void ka::unpin(kaArray_tag* array) {
     if (array->pinCount <= 0) throw std::logic_error("unpin of an array that is not pinned");
@@ -44,7 +46,9 @@ ka::ThreadWarningScope::ThreadWarningScope(WarningHandler handler)
     innermostScope = this;
 }
 
-ka::ThreadWarningScope::~ThreadWarningScope() { innermostScope = outer_; }
+ka::ThreadWarningScope::~ThreadWarningScope() {
+    innermostScope = outer_;
+}
 
 void ka::deliverWarning(const std::u16string& text) {
     if (ThreadWarningScope* scope = innermostScope; scope != nullptr && scope->handler_) {
@@ -71,4 +75,6 @@ void ka::deliverWarning(const std::u16string& text) {
     }
 }
 
-void matrix::handleWarning(const std::u16string& text) { ka::deliverWarning(text); }
+void matrix::handleWarning(const std::u16string& text) {
+    ka::deliverWarning(text);
+}

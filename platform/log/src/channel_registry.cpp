@@ -40,8 +40,7 @@ channel_state& channel_registry::state(std::string_view channel) {
     }
     // Checked on every lookup, not only when the channel is new, so that a failure to add the
     // sink is retried by the next logger rather than lost.
-    if (found->mask.load(std::memory_order_relaxed) != 0)
-        ensureConsoleSink();
+    if (found->mask.load(std::memory_order_relaxed) != 0) ensureConsoleSink();
     return *found;
 }
 
@@ -50,13 +49,11 @@ void channel_registry::setMask(std::string_view channel, std::uint32_t mask) {
         std::lock_guard lock(mutex_);
         findOrAddLocked(channel).mask.store(mask, std::memory_order_relaxed);
     }
-    if (mask != 0)
-        ensureConsoleSink();
+    if (mask != 0) ensureConsoleSink();
 }
 
 channel_state& channel_registry::findOrAddLocked(std::string_view channel) {
-    if (auto it = channels_.find(channel); it != channels_.end())
-        return *it->second;
+    if (auto it = channels_.find(channel); it != channels_.end()) return *it->second;
     std::uint32_t mask = 0;
     if (const char* setting = std::getenv(mask_variable)) {
         std::vector<std::string> problems;
@@ -70,8 +67,7 @@ channel_state& channel_registry::findOrAddLocked(std::string_view channel) {
 
 void channel_registry::reportProblemsLocked(std::string_view setting,
                                             const std::vector<std::string>& problems) {
-    if (problems.empty() || setting == reportedSetting_)
-        return;
+    if (problems.empty() || setting == reportedSetting_) return;
     reportedSetting_.assign(setting);
     for (const std::string& problem : problems)
         std::fprintf(stderr, "%s: ignored %s\n", mask_variable, problem.c_str());

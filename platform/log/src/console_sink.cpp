@@ -19,8 +19,7 @@ namespace {
 namespace logging = boost::log;
 
 bool isForConsole(const logging::attribute_value_set& values) {
-    if (channel_registry::instance().anyMemorySink())
-        return false;
+    if (channel_registry::instance().anyMemorySink()) return false;
     return logging::extract<std::string>(channelName(), values) &&
            logging::extract<std::uint32_t>(severityName(), values);
 }
@@ -29,8 +28,7 @@ void formatForConsole(const logging::record_view& record, logging::formatting_os
     out << logging::extract<std::string>(channelName(), record) << " ["
         << logging::extract<std::uint32_t>(severityName(), record) << "] ";
     const unsigned indent = logging::extract_or_default<unsigned>(indentName(), record, 0u);
-    for (unsigned i = 0; i < indent; ++i)
-        out << "  ";
+    for (unsigned i = 0; i < indent; ++i) out << "  ";
     out << record[logging::expressions::smessage];
     if (auto path = logging::extract<std::string>(sourcePathName(), record))
         out << " (" << path << ':' << logging::extract<int>(sourceLineName(), record) << ')';

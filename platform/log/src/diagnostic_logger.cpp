@@ -53,8 +53,7 @@ void basic_diagnostic_logger<CharT>::raiseIndent() const {
 template <class CharT>
 void basic_diagnostic_logger<CharT>::lowerIndent() const noexcept {
     indent_entry* entry = findIndent(this);
-    if (entry == nullptr)
-        return;
+    if (entry == nullptr) return;
     if (--entry->depth == 0) {
         *entry = threadIndents.back();
         threadIndents.pop_back();

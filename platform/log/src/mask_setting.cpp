@@ -9,8 +9,7 @@ namespace {
 
 std::string_view trim(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos)
-        return {};
+    if (first == std::string_view::npos) return {};
     const auto last = text.find_last_not_of(" \t");
     return text.substr(first, last - first + 1);
 }
@@ -34,8 +33,7 @@ std::optional<std::size_t> matchRank(std::string_view pattern, std::string_view 
                                      bool& malformed) {
     const auto star = pattern.find('*');
     if (star == std::string_view::npos) {
-        if (pattern == channel)
-            return channel.size() + 1;
+        if (pattern == channel) return channel.size() + 1;
         return std::nullopt;
     }
     if (star + 1 != pattern.size()) {
@@ -43,28 +41,25 @@ std::optional<std::size_t> matchRank(std::string_view pattern, std::string_view 
         return std::nullopt;
     }
     const std::string_view prefix = pattern.substr(0, star);
-    if (channel.substr(0, prefix.size()) == prefix)
-        return prefix.size();
+    if (channel.substr(0, prefix.size()) == prefix) return prefix.size();
     return std::nullopt;
 }
 
 void complain(std::vector<std::string>* problems, std::string_view entry, const char* why) {
-    if (problems != nullptr)
-        problems->push_back("'" + std::string(entry) + "': " + why);
+    if (problems != nullptr) problems->push_back("'" + std::string(entry) + "': " + why);
 }
 
 }  // namespace
 
 std::uint32_t maskFromSetting(std::string_view setting, std::string_view channel,
-                           std::vector<std::string>* problems) {
+                              std::vector<std::string>* problems) {
     std::uint32_t best = 0;
     std::optional<std::size_t> bestRank;
     while (!setting.empty()) {
         const auto cut = setting.find_first_of(",;");
         const std::string_view entry = trim(setting.substr(0, cut));
         setting = cut == std::string_view::npos ? std::string_view() : setting.substr(cut + 1);
-        if (entry.empty())
-            continue;
+        if (entry.empty()) continue;
 
         const auto equals = entry.find('=');
         if (equals == std::string_view::npos) {

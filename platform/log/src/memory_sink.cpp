@@ -27,8 +27,7 @@ public:
         captured.channel = valueOr<std::string>(detail::channelName(), record, {});
         captured.severity = valueOr<std::uint32_t>(detail::severityName(), record, 0);
         captured.indent = valueOr<unsigned>(detail::indentName(), record, 0);
-        if (auto message = record[logging::expressions::smessage])
-            captured.text = message.get();
+        if (auto message = record[logging::expressions::smessage]) captured.text = message.get();
         captured.sourcePath = valueOr<std::string>(detail::sourcePathName(), record, {});
         captured.line = valueOr<int>(detail::sourceLineName(), record, 0);
         records.push_back(std::move(captured));
@@ -47,11 +46,12 @@ struct memory_sink::impl {
 
 memory_sink::memory_sink(std::string channel) : impl_(std::make_unique<impl>()) {
     impl_->sink = boost::make_shared<memory_frontend>();
-    impl_->sink->set_filter([channel = std::move(channel)](const logging::attribute_value_set& values) {
-        const auto found = logging::extract<std::string>(detail::channelName(), values);
-        return found && logging::extract<std::uint32_t>(detail::severityName(), values) &&
-               (channel.empty() || found.get() == channel);
-    });
+    impl_->sink->set_filter(
+        [channel = std::move(channel)](const logging::attribute_value_set& values) {
+            const auto found = logging::extract<std::string>(detail::channelName(), values);
+            return found && logging::extract<std::uint32_t>(detail::severityName(), values) &&
+                   (channel.empty() || found.get() == channel);
+        });
     detail::channel_registry::instance().memorySinkAttached();
     logging::core::get()->add_sink(impl_->sink);
 }
@@ -67,8 +67,7 @@ std::vector<captured_record> memory_sink::records() const {
 
 std::vector<std::string> memory_sink::texts() const {
     std::vector<std::string> texts;
-    for (captured_record& record : records())
-        texts.push_back(std::move(record.text));
+    for (captured_record& record : records()) texts.push_back(std::move(record.text));
     return texts;
 }
 

@@ -9,8 +9,7 @@ namespace foundation::log {
 
 record_pump::record_pump(const basic_diagnostic_logger<char>& logger, std::uint32_t severity,
                          std::string_view sourcePath, int line) {
-    if (logger.isEnabled(severity))
-        open(logger, severity, sourcePath, line);
+    if (logger.isEnabled(severity)) open(logger, severity, sourcePath, line);
 }
 
 record_pump::~record_pump() {
@@ -25,13 +24,13 @@ void record_pump::open(const basic_diagnostic_logger<char>& logger, std::uint32_
     attributes.insert(detail::severityName(), attrs::constant<std::uint32_t>(severity));
     attributes.insert(detail::indentName(), attrs::constant<unsigned>(logger.indent()));
     if (!sourcePath.empty()) {
-        attributes.insert(detail::sourcePathName(), attrs::constant<std::string>(std::string(sourcePath)));
+        attributes.insert(detail::sourcePathName(),
+                          attrs::constant<std::string>(std::string(sourcePath)));
         attributes.insert(detail::sourceLineName(), attrs::constant<int>(line));
     }
     // The core may still decline the record (no sink wants it); then nothing is formatted.
     record_ = boost::log::core::get()->open_record(attributes);
-    if (record_)
-        stream_.emplace(record_);
+    if (record_) stream_.emplace(record_);
 }
 
 void record_pump::commit() {

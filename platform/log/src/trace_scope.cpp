@@ -31,8 +31,7 @@ void trace_scope::leave() noexcept {
         record_pump pump(*logger_, exitSeverity_, sourcePath_, line_);
         if (pump) {
             pump.stream() << function_;
-            if (byException)
-                pump.stream() << " [throw]";
+            if (byException) pump.stream() << " [throw]";
             pump.commit();
         }
     } catch (...) {

@@ -14,14 +14,15 @@ namespace detail {
 
 std::string GetDemangledName(const std::type_info& type) {
     int status = 0;
-    std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(type.name(), nullptr, nullptr, &status),
-                                                std::free);
+    std::unique_ptr<char, void (*)(void*)> name(
+        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
     return status == 0 && name ? std::string(name.get()) : std::string(type.name());
 }
 
 void ThrowBadAnyCast(const Any& held, const std::type_info& requested) {
     const std::string from = held.Empty() ? std::string("an empty Any") : held.TypeName();
-    throw BadAnyCastException("Bad any_cast: cannot cast from " + from + " to " + GetDemangledName(requested));
+    throw BadAnyCastException("Bad any_cast: cannot cast from " + from + " to " +
+                              GetDemangledName(requested));
 }
 
 }  // namespace detail
@@ -34,7 +35,9 @@ Any& AnyMap::at(const key_type& key) {
     return found->second;
 }
 
-const Any& AnyMap::at(const key_type& key) const { return const_cast<AnyMap*>(this)->at(key); }
+const Any& AnyMap::at(const key_type& key) const {
+    return const_cast<AnyMap*>(this)->at(key);
+}
 
 std::ostream& operator<<(std::ostream& os, const AnyMap& map) {
     os << '{';

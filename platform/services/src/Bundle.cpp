@@ -38,11 +38,14 @@ CreateActivatorFn LoadActivator(BundlePrivate& bundle) {
         bundle.library = dlopen(bundle.libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (bundle.library == nullptr) {
             const char* reason = dlerror();
-            throw std::runtime_error("cannot load " + bundle.libraryPath + ": " + (reason ? reason : "unknown reason"));
+            throw std::runtime_error("cannot load " + bundle.libraryPath + ": " +
+                                     (reason ? reason : "unknown reason"));
         }
     }
-    auto create = reinterpret_cast<CreateActivatorFn>(dlsym(bundle.library, kCreateActivatorSymbol));
-    auto destroy = reinterpret_cast<DestroyActivatorFn>(dlsym(bundle.library, kDestroyActivatorSymbol));
+    auto create =
+        reinterpret_cast<CreateActivatorFn>(dlsym(bundle.library, kCreateActivatorSymbol));
+    auto destroy =
+        reinterpret_cast<DestroyActivatorFn>(dlsym(bundle.library, kDestroyActivatorSymbol));
     if (create == nullptr || destroy == nullptr) {
         throw std::runtime_error(bundle.libraryPath + " has no bundle activator");
     }
@@ -64,7 +67,8 @@ void AbandonStart(CoreContext& core, BundlePrivate& bundle) {
     bundle.state = bundle.library != nullptr ? Bundle::STATE_RESOLVED : Bundle::STATE_INSTALLED;
 }
 
-void StartActivator(CoreContext& core, BundlePrivate& bundle, const std::shared_ptr<BundlePrivate>& self) {
+void StartActivator(CoreContext& core, BundlePrivate& bundle,
+                    const std::shared_ptr<BundlePrivate>& self) {
     bundle.state = Bundle::STATE_STARTING;
     try {
         const CreateActivatorFn create = LoadActivator(bundle);
@@ -77,7 +81,8 @@ void StartActivator(CoreContext& core, BundlePrivate& bundle, const std::shared_
         throw std::runtime_error("Bundle " + bundle.location + ": " + error.what());
     } catch (...) {
         AbandonStart(core, bundle);
-        throw std::runtime_error("Bundle " + bundle.location + ": unknown exception from its activator");
+        throw std::runtime_error("Bundle " + bundle.location +
+                                 ": unknown exception from its activator");
     }
 }
 
@@ -174,7 +179,9 @@ detail::BundlePrivate& Checked(const std::shared_ptr<detail::BundlePrivate>& dat
 
 }  // namespace
 
-Bundle::State Bundle::GetState() const { return Checked(d_).state; }
+Bundle::State Bundle::GetState() const {
+    return Checked(d_).state;
+}
 
 BundleContext Bundle::GetBundleContext() const {
     auto& bundle = Checked(d_);
@@ -182,12 +189,22 @@ BundleContext Bundle::GetBundleContext() const {
     return BundleContext(bundle.context);
 }
 
-long Bundle::GetBundleId() const { return Checked(d_).id; }
-std::string Bundle::GetLocation() const { return Checked(d_).location; }
-std::string Bundle::GetSymbolicName() const { return Checked(d_).symbolicName; }
-const AnyMap& Bundle::GetHeaders() const { return Checked(d_).headers; }
+long Bundle::GetBundleId() const {
+    return Checked(d_).id;
+}
+std::string Bundle::GetLocation() const {
+    return Checked(d_).location;
+}
+std::string Bundle::GetSymbolicName() const {
+    return Checked(d_).symbolicName;
+}
+const AnyMap& Bundle::GetHeaders() const {
+    return Checked(d_).headers;
+}
 
-void Bundle::Start() { detail::StartBundle(Checked(d_), d_); }
+void Bundle::Start() {
+    detail::StartBundle(Checked(d_), d_);
+}
 
 void Bundle::Stop() {
     if (auto core = Checked(d_).core.lock()) {
@@ -195,7 +212,9 @@ void Bundle::Stop() {
     }
 }
 
-BundleContext::operator bool() const noexcept { return d_ != nullptr && d_->valid; }
+BundleContext::operator bool() const noexcept {
+    return d_ != nullptr && d_->valid;
+}
 
 void BundleContext::CheckValid() const {
     if (!*this) {
@@ -223,16 +242,19 @@ namespace {
 
 std::string RequiredText(const AnyMap& manifest, const char* key) {
     auto found = manifest.find(key);
-    const std::string* text = found == manifest.end() ? nullptr : any_cast<std::string>(&found->second);
+    const std::string* text =
+        found == manifest.end() ? nullptr : any_cast<std::string>(&found->second);
     if (text == nullptr || text->empty()) {
-        throw std::invalid_argument(std::string("the manifest needs \"") + key + "\" as a non-empty string");
+        throw std::invalid_argument(std::string("the manifest needs \"") + key +
+                                    "\" as a non-empty string");
     }
     return *text;
 }
 
 }  // namespace
 
-std::vector<Bundle> BundleContext::InstallBundles(const std::string& location, const AnyMap& manifest) {
+std::vector<Bundle> BundleContext::InstallBundles(const std::string& location,
+                                                  const AnyMap& manifest) {
     CheckValid();
     auto bundle = std::make_shared<detail::BundlePrivate>();
     bundle->location = location;
@@ -248,8 +270,9 @@ std::vector<Bundle> BundleContext::InstallBundles(const std::string& location, c
     }
     bundle->core = core;
     std::lock_guard lock(core->mutex);
-    auto existing = std::find_if(core->bundles.begin(), core->bundles.end(),
-                                 [&](const auto& installed) { return installed->location == location; });
+    auto existing =
+        std::find_if(core->bundles.begin(), core->bundles.end(),
+                     [&](const auto& installed) { return installed->location == location; });
     if (existing != core->bundles.end()) {
         return {Bundle(*existing)};
     }

@@ -46,8 +46,8 @@ public:
 
 private:
     [[noreturn]] void Fail(const std::string& reason) const {
-        throw std::invalid_argument("Bad LDAP filter \"" + text_ + "\": " + reason + " at position " +
-                                    std::to_string(pos_));
+        throw std::invalid_argument("Bad LDAP filter \"" + text_ + "\": " + reason +
+                                    " at position " + std::to_string(pos_));
     }
 
     bool AtEnd() const { return pos_ >= text_.size(); }
@@ -107,7 +107,8 @@ private:
         FilterNode node;
         node.attribute = ParseAttribute();
         if (Peek() != '=') {
-            const std::string_view rest(text_.data() + pos_, std::min<std::size_t>(2, text_.size() - pos_));
+            const std::string_view rest(text_.data() + pos_,
+                                        std::min<std::size_t>(2, text_.size() - pos_));
             if (rest == "~=" || rest == ">=" || rest == "<=") {
                 Fail("operator '" + std::string(rest) + "' is not supported");
             }
@@ -130,7 +131,8 @@ private:
 
     std::string ParseAttribute() {
         const std::size_t start = pos_;
-        while (!AtEnd() && std::string_view("=<>~()*\\").find(text_[pos_]) == std::string_view::npos) {
+        while (!AtEnd() &&
+               std::string_view("=<>~()*\\").find(text_[pos_]) == std::string_view::npos) {
             ++pos_;
         }
         std::string_view name(text_.data() + start, pos_ - start);
@@ -140,7 +142,8 @@ private:
         if (name.empty()) {
             Fail("missing attribute name");
         }
-        if (std::any_of(name.begin(), name.end(), [](char c) { return std::isspace(static_cast<unsigned char>(c)); })) {
+        if (std::any_of(name.begin(), name.end(),
+                        [](char c) { return std::isspace(static_cast<unsigned char>(c)); })) {
             Fail("white space inside the attribute name");
         }
         return std::string(name);
@@ -192,14 +195,17 @@ private:
 };
 
 std::string_view Trim(std::string_view text) {
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
+        text.remove_prefix(1);
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
+        text.remove_suffix(1);
     return text;
 }
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+               return std::tolower(static_cast<unsigned char>(x)) ==
+                      std::tolower(static_cast<unsigned char>(y));
            });
 }
 
@@ -215,11 +221,13 @@ bool EqualsNumber(const Any& property, std::string_view value, bool& handled) {
         const std::string text(value);
         char* end = nullptr;
         const double parsed = std::strtod(text.c_str(), &end);
-        return !text.empty() && end == text.c_str() + text.size() && parsed == static_cast<double>(*held);
+        return !text.empty() && end == text.c_str() + text.size() &&
+               parsed == static_cast<double>(*held);
     } else {
         T parsed{};
         auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), parsed);
-        return !value.empty() && error == std::errc() && end == value.data() + value.size() && parsed == *held;
+        return !value.empty() && error == std::errc() && end == value.data() + value.size() &&
+               parsed == *held;
     }
 }
 
@@ -231,7 +239,8 @@ bool EqualsAnyNumber(const Any& property, std::string_view value, bool& handled)
 bool MatchesPieces(std::string_view text, const std::vector<std::string>& pieces) {
     const std::string& initial = pieces.front();
     const std::string& final = pieces.back();
-    if (text.size() < initial.size() + final.size() || !text.starts_with(initial) || !text.ends_with(final)) {
+    if (text.size() < initial.size() + final.size() || !text.starts_with(initial) ||
+        !text.ends_with(final)) {
         return false;
     }
     text = text.substr(initial.size(), text.size() - initial.size() - final.size());
@@ -249,14 +258,17 @@ bool MatchesPieces(std::string_view text, const std::vector<std::string>& pieces
 // for Equal, on the other value types.
 bool MatchesValue(const Any& property, const FilterNode& node) {
     if (const auto* text = any_cast<std::string>(&property)) {
-        return node.kind == FilterNode::Kind::Equal ? *text == node.value : MatchesPieces(*text, node.pieces);
+        return node.kind == FilterNode::Kind::Equal ? *text == node.value
+                                                    : MatchesPieces(*text, node.pieces);
     }
     if (const auto* list = any_cast<std::vector<Any>>(&property)) {
-        return std::any_of(list->begin(), list->end(), [&](const Any& element) { return MatchesValue(element, node); });
+        return std::any_of(list->begin(), list->end(),
+                           [&](const Any& element) { return MatchesValue(element, node); });
     }
     if (const auto* texts = any_cast<std::vector<std::string>>(&property)) {
-        return std::any_of(texts->begin(), texts->end(),
-                           [&](const std::string& element) { return MatchesValue(Any(element), node); });
+        return std::any_of(texts->begin(), texts->end(), [&](const std::string& element) {
+            return MatchesValue(Any(element), node);
+        });
     }
     if (node.kind != FilterNode::Kind::Equal) {
         return false;
@@ -265,8 +277,9 @@ bool MatchesValue(const Any& property, const FilterNode& node) {
         return EqualsIgnoringCase(Trim(node.value), *flag ? "true" : "false");
     }
     bool handled = false;
-    const bool equal = EqualsAnyNumber<int, long, long long, unsigned, unsigned long, unsigned long long, short,
-                                       unsigned short, double, float>(property, node.value, handled);
+    const bool equal =
+        EqualsAnyNumber<int, long, long long, unsigned, unsigned long, unsigned long long, short,
+                        unsigned short, double, float>(property, node.value, handled);
     return handled && equal;
 }
 
@@ -306,7 +319,8 @@ const Any* FindProperty(const AnyMap& properties, const std::string& key) {
 }  // namespace detail
 
 LDAPFilter::LDAPFilter(const std::string& filter)
-    : root_(std::make_shared<const detail::FilterNode>(detail::FilterParser(filter).Parse())), text_(filter) {}
+    : root_(std::make_shared<const detail::FilterNode>(detail::FilterParser(filter).Parse())),
+      text_(filter) {}
 
 LDAPFilter::LDAPFilter(const LDAPPropExpr& expression) {
     if (!expression.IsNull()) {

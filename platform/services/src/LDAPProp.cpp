@@ -12,7 +12,8 @@ std::string EscapeFilterValue(const std::string& value) {
     for (char c : value) {
         if (c == '\\' || c == '*' || c == '(' || c == ')' || c == '\0') {
             char code[4];
-            std::snprintf(code, sizeof code, "\\%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+            std::snprintf(code, sizeof code, "\\%02x",
+                          static_cast<unsigned>(static_cast<unsigned char>(c)));
             escaped += code;
         } else {
             escaped += c;
@@ -43,8 +44,12 @@ LDAPPropExpr LDAPProp::operator==(const std::string& value) const {
     return LDAPPropExpr("(" + property_ + "=" + detail::EscapeFilterValue(value) + ")");
 }
 
-LDAPProp::operator LDAPPropExpr() const { return LDAPPropExpr("(" + property_ + "=*)"); }
+LDAPProp::operator LDAPPropExpr() const {
+    return LDAPPropExpr("(" + property_ + "=*)");
+}
 
-LDAPPropExpr LDAPProp::operator!() const { return !static_cast<LDAPPropExpr>(*this); }
+LDAPPropExpr LDAPProp::operator!() const {
+    return !static_cast<LDAPPropExpr>(*this);
+}
 
 }  // namespace cppmicroservices

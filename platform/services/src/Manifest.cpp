@@ -5,9 +5,9 @@
 #include <boost/json/value.hpp>
 
 #include <fstream>
-#include <utility>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace foundation::cppmicroservices {
@@ -63,7 +63,8 @@ AnyMap FromObject(const boost::json::object& object) {
 
 AnyMap parseManifest(std::string_view json) {
     boost::system::error_code error;
-    const boost::json::value value = boost::json::parse(boost::json::string_view(json.data(), json.size()), error);
+    const boost::json::value value =
+        boost::json::parse(boost::json::string_view(json.data(), json.size()), error);
     if (error) {
         throw std::invalid_argument("the manifest is not valid JSON: " + error.message());
     }

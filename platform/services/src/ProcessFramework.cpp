@@ -43,7 +43,8 @@ std::vector<std::filesystem::path> bundleFolders(const std::filesystem::path& di
     std::filesystem::directory_iterator entries(directory, error);
     for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
         std::error_code ignored;
-        if (entries->is_directory(ignored) && std::filesystem::exists(entries->path() / "manifest.json", ignored)) {
+        if (entries->is_directory(ignored) &&
+            std::filesystem::exists(entries->path() / "manifest.json", ignored)) {
             folders.push_back(entries->path());
         }
     }
@@ -75,16 +76,20 @@ std::shared_ptr<Framework> setFramework(std::shared_ptr<Framework> framework) {
 }
 
 std::shared_ptr<Framework> createFramework() {
-    auto framework = std::make_shared<Framework>(::cppmicroservices::FrameworkFactory().NewFramework());
+    auto framework =
+        std::make_shared<Framework>(::cppmicroservices::FrameworkFactory().NewFramework());
     framework->Start();
     setFramework(framework);
     return framework;
 }
 
 BundleLoadError::BundleLoadError(std::vector<std::string> failures, InstallAndStartResult result)
-    : std::runtime_error(joinFailures(failures)), failures_(std::move(failures)), result_(std::move(result)) {}
+    : std::runtime_error(joinFailures(failures)),
+      failures_(std::move(failures)),
+      result_(std::move(result)) {}
 
-InstallAndStartResult installAndStart(fl::filesystem::path directory, const ::cppmicroservices::LDAPFilter& filter) {
+InstallAndStartResult installAndStart(fl::filesystem::path directory,
+                                      const ::cppmicroservices::LDAPFilter& filter) {
     InstallAndStartResult result;
     auto framework = getFramework();
     if (!framework) {
@@ -94,7 +99,8 @@ InstallAndStartResult installAndStart(fl::filesystem::path directory, const ::cp
     std::vector<std::string> failures;
     for (const auto& folder : bundleFolders(resolve(directory))) {
         try {
-            for (auto& bundle : context.InstallBundles(folder.string(), readManifest((folder / "manifest.json").string()))) {
+            for (auto& bundle : context.InstallBundles(
+                     folder.string(), readManifest((folder / "manifest.json").string()))) {
                 result.first.push_back(std::move(bundle));
             }
         } catch (const std::exception& error) {

@@ -36,7 +36,8 @@ int RankingOf(const AnyMap& properties) {
     if (const int* value = any_cast<int>(ranking)) {
         return *value;
     }
-    throw std::invalid_argument("The property service.ranking must be an int, not " + ranking->TypeName());
+    throw std::invalid_argument("The property service.ranking must be an int, not " +
+                                ranking->TypeName());
 }
 
 }  // namespace
@@ -57,7 +58,8 @@ std::shared_ptr<void> GetServiceObject(const ServiceReferenceBase& reference) {
 bool UnregisterService(CoreContext* core, ServiceRegistrationData& registration) {
     if (core != nullptr) {
         std::lock_guard lock(core->mutex);
-        std::erase_if(core->services, [&](const auto& entry) { return entry.get() == &registration; });
+        std::erase_if(core->services,
+                      [&](const auto& entry) { return entry.get() == &registration; });
     }
     InterfaceMapConstPtr objects;  // released after the lock: their destructors are bundle code
     std::lock_guard lock(registration.mutex);
@@ -93,7 +95,8 @@ ServiceRegistrationU BundleContext::RegisterService(const InterfaceMapConstPtr& 
     }
     for (const auto& [id, object] : *service) {
         if (id.empty()) {
-            throw ServiceException(detail::kNoInterfaceIdMessage, ServiceException::INVALID_INTERFACE);
+            throw ServiceException(detail::kNoInterfaceIdMessage,
+                                   ServiceException::INVALID_INTERFACE);
         }
         if (!object) {
             throw ServiceException("The service object for " + id + " is null");
@@ -119,8 +122,8 @@ ServiceRegistrationU BundleContext::RegisterService(const InterfaceMapConstPtr& 
     return ServiceRegistrationU(registration);
 }
 
-std::vector<ServiceReferenceU> BundleContext::GetServiceReferences(const std::string& interfaceId,
-                                                                   const std::string& filter) const {
+std::vector<ServiceReferenceU> BundleContext::GetServiceReferences(
+    const std::string& interfaceId, const std::string& filter) const {
     CheckValid();
     const LDAPFilter selection = filter.empty() ? LDAPFilter() : LDAPFilter(filter);
     auto bundle = d_->bundle.lock();
@@ -138,7 +141,8 @@ std::vector<ServiceReferenceU> BundleContext::GetServiceReferences(const std::st
         std::lock_guard lock(core->mutex);
         for (const auto& registration : core->services) {
             std::lock_guard registrationLock(registration->mutex);
-            if (registration->interfaces->contains(interfaceId) && selection.Match(registration->properties)) {
+            if (registration->interfaces->contains(interfaceId) &&
+                selection.Match(registration->properties)) {
                 found.push_back({registration->ranking, registration->id, registration});
             }
         }

@@ -15,10 +15,8 @@ thread_local std::unique_ptr<Store> ownStore;
 }  // namespace
 
 Store& Detail<scope::Tavi>::current() {
-    if (currentStore != nullptr)
-        return *currentStore;
-    if (!ownStore)
-        ownStore = std::make_unique<Store>();
+    if (currentStore != nullptr) return *currentStore;
+    if (!ownStore) ownStore = std::make_unique<Store>();
     return *ownStore;
 }
 

@@ -28,8 +28,9 @@ Store::Store() = default;
 
 Store::~Store() {
     if (currentOn_.load() != 0)
-        foundation::core::diag::terminate("A tavi store is destroyed while it is current on a thread",
-                                          sourcePath, __LINE__, __PRETTY_FUNCTION__);
+        foundation::core::diag::terminate(
+            "A tavi store is destroyed while it is current on a thread", sourcePath, __LINE__,
+            __PRETTY_FUNCTION__);
     // Later values may refer to earlier ones, so they go first.
     for (auto id = order_.rbegin(); id != order_.rend(); ++id)
         entries_.find(*id)->second.value.reset();
@@ -38,18 +39,15 @@ Store::~Store() {
 void* Store::find(ID id, const std::type_info& type) const {
     std::shared_lock lock(mutex_);
     const auto it = entries_.find(id);
-    if (it == entries_.end() || *it->second.type != type)
-        return nullptr;
+    if (it == entries_.end() || *it->second.type != type) return nullptr;
     return it->second.value.get();
 }
 
 void* Store::findOrThrow(ID id, const std::type_info& type) const {
     std::shared_lock lock(mutex_);
     const auto it = entries_.find(id);
-    if (it == entries_.end())
-        throw DoesNotExistTypeError(missingText(id, type));
-    if (*it->second.type != type)
-        throw TypeError(mismatchText(id, *it->second.type, type));
+    if (it == entries_.end()) throw DoesNotExistTypeError(missingText(id, type));
+    if (*it->second.type != type) throw TypeError(mismatchText(id, *it->second.type, type));
     return it->second.value.get();
 }
 

@@ -7,7 +7,9 @@
 #include <builtin/declare/declare.hpp>
 #include <ka/ka.hpp>
 
-static double scale(double x, double factor) { return x * factor; }
+static double scale(double x, double factor) {
+    return x * factor;
+}
 
 int main() {
     using namespace Norvane::builtin;
@@ -15,7 +17,8 @@ int main() {
     builtin.def(&scale, declare::pure, declare::elementwise);
     const declare::DeclaredBuiltin scaled(std::move(builtin));
 
-    const ka::ArrayPtr row = ka::row({1.0, 2.0, 3.0}), factor = ka::scalar(2.0), text = ka::charArray(u"x");
+    const ka::ArrayPtr row = ka::row({1.0, 2.0, 3.0}), factor = ka::scalar(2.0),
+                       text = ka::charArray(u"x");
     kaArray_tag* prhs[] = {row.get(), factor.get()};
     kaArray_tag* plhs[1] = {nullptr};
     scaled.function().call(1, plhs, 2, prhs);

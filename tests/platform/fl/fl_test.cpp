@@ -12,8 +12,9 @@
 namespace {
 
 TEST(DiagTerminateDeathTest, PrintsTextPathLineAndSignatureThenAborts) {
-    EXPECT_DEATH(foundation::core::diag::terminate("broken invariant", "lib/Widget", 42, "void widget()"),
-                 "broken invariant(.|\n)*lib/Widget:42(.|\n)*void widget\\(\\)");
+    EXPECT_DEATH(
+        foundation::core::diag::terminate("broken invariant", "lib/Widget", 42, "void widget()"),
+        "broken invariant(.|\n)*lib/Widget:42(.|\n)*void widget\\(\\)");
 }
 
 struct Named {};
@@ -26,7 +27,8 @@ TEST(DemangleTypeidName, GivesTheReadableNameOrRefusesWithTheNameAsItsText) {
     using foundation::core::diag::detail::demangle_typeid_name;
     const std::pair<const char*, std::string> cases[] = {
         {typeid(int).name(), "int"},
-        {typeid(inner::Box<Named>).name(), "(anonymous namespace)::inner::Box<(anonymous namespace)::Named>"},
+        {typeid(inner::Box<Named>).name(),
+         "(anonymous namespace)::inner::Box<(anonymous namespace)::Named>"},
     };
     for (const auto& [mangled, readable] : cases) {
         EXPECT_EQ(demangle_typeid_name(mangled, false), readable);
@@ -43,8 +45,10 @@ TEST(DemangleTypeidName, GivesTheReadableNameOrRefusesWithTheNameAsItsText) {
 
 TEST(I18n, RoundTripsAcrossThePlanes) {
     using namespace fl::i18n;
-    const std::pair<std::string, std::u16string> cases[] = {
-        {"", u""}, {"caf\xc3\xa9", u"caf\u00e9"}, {"\xe2\x82\xac", u"\u20ac"}, {"\xf0\x9f\x98\x80", u"\U0001F600"}};
+    const std::pair<std::string, std::u16string> cases[] = {{"", u""},
+                                                            {"caf\xc3\xa9", u"caf\u00e9"},
+                                                            {"\xe2\x82\xac", u"\u20ac"},
+                                                            {"\xf0\x9f\x98\x80", u"\U0001F600"}};
     for (const auto& [utf8, utf16] : cases) {
         EXPECT_EQ(utf8_to_ustring(utf8), utf16);
         EXPECT_EQ(ustring_to_utf8(utf16), utf8);

@@ -30,9 +30,12 @@ TEST_F(KaTest, CreationNormalisesDimensions) {
         std::size_t n;
     };
     const Case cases[] = {
-        {{}, {1, 1}, true, true, false, 1},          {{5}, {5, 1}, true, false, false, 1},
-        {{2, 3, 1, 1}, {2, 3}, true, false, false, 3}, {{2, 3, 4, 1}, {2, 3, 4}, false, false, false, 12},
-        {{0, 3}, {0, 3}, true, false, true, 3},       {{2, 0, 3}, {2, 0, 3}, false, false, true, 0},
+        {{}, {1, 1}, true, true, false, 1},
+        {{5}, {5, 1}, true, false, false, 1},
+        {{2, 3, 1, 1}, {2, 3}, true, false, false, 3},
+        {{2, 3, 4, 1}, {2, 3, 4}, false, false, false, 12},
+        {{0, 3}, {0, 3}, true, false, true, 3},
+        {{2, 0, 3}, {2, 0, 3}, false, false, true, 0},
     };
     namespace api = matrix::detail::noninlined::ka_array_api;
     for (const Case& c : cases) {
@@ -51,7 +54,9 @@ TEST_F(KaTest, FactoryMakesEveryNumericClassRealAndComplex) {
     const std::size_t dims[] = {3, 5};
     for (int id = kaLOGICAL_CLASS; id <= kaUINT64_CLASS; ++id) {
         for (kaComplexity c : {kaREAL, kaCOMPLEX}) {
-            if (id == kaVOID_CLASS || (c == kaCOMPLEX && (id == kaLOGICAL_CLASS || id == kaCHAR_CLASS))) continue;
+            if (id == kaVOID_CLASS ||
+                (c == kaCOMPLEX && (id == kaLOGICAL_CLASS || id == kaCHAR_CLASS)))
+                continue;
             const auto cls = static_cast<kaClassID>(id);
             SCOPED_TRACE(testing::Message() << ka::className(cls) << (c ? " complex" : ""));
             ka::ArrayPtr a = matrix::detail::do_create_uninitnumeric(dims, cls, c);
@@ -64,17 +69,23 @@ TEST_F(KaTest, FactoryMakesEveryNumericClassRealAndComplex) {
             std::memset(a->data, 0xab, 15 * ka::elementSize(cls) * (c == kaCOMPLEX ? 2 : 1));
         }
     }
-    EXPECT_THROW(matrix::detail::do_create_uninitnumeric({1, 1}, kaCELL_CLASS, kaREAL), std::invalid_argument);
-    EXPECT_THROW(matrix::detail::do_create_uninitnumeric({1, 1}, kaLOGICAL_CLASS, kaCOMPLEX), std::invalid_argument);
-    EXPECT_THROW(matrix::detail::do_create_uninitnumeric({1, 1}, kaDOUBLE_CLASS, static_cast<kaComplexity>(2)),
+    EXPECT_THROW(matrix::detail::do_create_uninitnumeric({1, 1}, kaCELL_CLASS, kaREAL),
+                 std::invalid_argument);
+    EXPECT_THROW(matrix::detail::do_create_uninitnumeric({1, 1}, kaLOGICAL_CLASS, kaCOMPLEX),
+                 std::invalid_argument);
+    EXPECT_THROW(matrix::detail::do_create_uninitnumeric({1, 1}, kaDOUBLE_CLASS,
+                                                         static_cast<kaComplexity>(2)),
                  std::invalid_argument);
     const std::size_t huge[] = {SIZE_MAX / 2, 3};
-    EXPECT_THROW(matrix::detail::do_create_uninitnumeric(huge, kaDOUBLE_CLASS, kaREAL), std::bad_alloc);
+    EXPECT_THROW(matrix::detail::do_create_uninitnumeric(huge, kaDOUBLE_CLASS, kaREAL),
+                 std::bad_alloc);
 }
 
 TEST_F(KaTest, ValuesGoInColumnMajorOrder) {
-    EXPECT_EQ(elementsOf<double>(ka::fromRows<double>(2, 3, {1, 2, 3, 4, 5, 6})), (std::vector<double>{1, 4, 2, 5, 3, 6}));
-    EXPECT_EQ(elementsOf<double>(ka::scalar(std::complex<double>(1, 2))), (std::vector<double>{1, 2}));
+    EXPECT_EQ(elementsOf<double>(ka::fromRows<double>(2, 3, {1, 2, 3, 4, 5, 6})),
+              (std::vector<double>{1, 4, 2, 5, 3, 6}));
+    EXPECT_EQ(elementsOf<double>(ka::scalar(std::complex<double>(1, 2))),
+              (std::vector<double>{1, 2}));
     ka::ArrayPtr flags = ka::row({true, false, true});
     EXPECT_EQ(matrix::classId(flags.get()), kaLOGICAL_CLASS);
     EXPECT_EQ(elementsOf<bool>(flags), (std::vector<bool>{true, false, true}));
@@ -92,7 +103,8 @@ TEST_F(KaTest, FunctionHandlesAndObjectsAnswerTheirClassThroughTheLibrary) {
     EXPECT_THROW(ka::createFunctionHandle(""), std::invalid_argument);
     // How each stored class reads through the library: tests/conversion/ClassificationTest.cpp.
     const auto stringClass = static_cast<kaClassID>(19);
-    auto text = std::make_shared<std::vector<std::u16string>>(std::vector<std::u16string>{u"a", u"bc"});
+    auto text =
+        std::make_shared<std::vector<std::u16string>>(std::vector<std::u16string>{u"a", u"bc"});
     ka::ArrayPtr s = ka::createObject(stringClass, "string", text, {1, 2}, kaOPAQUE_CLASS);
     EXPECT_EQ(matrix::classId(s.get()), stringClass);
     EXPECT_EQ(ka::objectClassName(s.get()), "string");
@@ -122,7 +134,8 @@ TEST_F(KaTest, ReleaseFollowsBothCounts) {
         std::uint32_t firstAfter;
     };
     // A second count that is not positive holds nothing; a positive one keeps the array alive.
-    for (const Case& c : {Case{1, 0, true, 0}, Case{1, -1, true, 0}, Case{1, 1, false, 0}, Case{5, 3, false, 4}}) {
+    for (const Case& c :
+         {Case{1, 0, true, 0}, Case{1, -1, true, 0}, Case{1, 1, false, 0}, Case{5, 3, false, 4}}) {
         SCOPED_TRACE(testing::Message() << "counts (" << c.first << "," << c.second << ")");
         kaArray* a = ka::scalar(1.0).release();
         a->refCount = c.first;
@@ -163,7 +176,9 @@ TEST_F(KaTest, ContainersOwnOneReferenceOfEachElementAndRefuseBadShapes) {
     EXPECT_EQ(shared->refCount, 1u);
 
     // Nested containers go with their owner.
-    ka::ArrayPtr top = ka::createCell({1, 1}, list(ka::createStruct({1, 1}, {"c"}, list(ka::createCell({1, 1}, list(ka::scalar(1.0)))))));
+    ka::ArrayPtr top = ka::createCell(
+        {1, 1},
+        list(ka::createStruct({1, 1}, {"c"}, list(ka::createCell({1, 1}, list(ka::scalar(1.0)))))));
     EXPECT_EQ(alive(), 5);
     EXPECT_EQ(matrix::classId(ka::field(ka::cellElement(top.get(), 0), 0, "c")), kaCELL_CLASS);
     EXPECT_THROW(ka::field(ka::cellElement(top.get(), 0), 0, "d"), std::out_of_range);
@@ -172,7 +187,8 @@ TEST_F(KaTest, ContainersOwnOneReferenceOfEachElementAndRefuseBadShapes) {
 
     EXPECT_THROW(ka::createSparse(kaINT8_CLASS, 2, 2, {}), std::invalid_argument);
     EXPECT_THROW(ka::createSparse(kaDOUBLE_CLASS, 2, 2, {{2, 0, 1.0}}), std::invalid_argument);
-    EXPECT_THROW(ka::createCell({1, 3}, list(ka::scalar(1.0), ka::scalar(2.0))), std::invalid_argument);
+    EXPECT_THROW(ka::createCell({1, 3}, list(ka::scalar(1.0), ka::scalar(2.0))),
+                 std::invalid_argument);
     EXPECT_THROW(ka::cellElement(ka::scalar(1.0).get(), 0), std::invalid_argument);
     EXPECT_THROW(ka::createStruct({1, 1}, {"a", "a"}), std::invalid_argument);
 }
@@ -187,7 +203,8 @@ TEST_F(KaTest, ViewRefusalNamesTheViewAndTheArray) {
     }
     EXPECT_EQ(text, "array of class id 7 (single), 2x3, does not fit matrix::typed_array<double>");
     EXPECT_THROW(matrix::typed_sparse_matrix<float>(a.get()), std::invalid_argument);
-    EXPECT_THROW(matrix::detail::rejectInvalidClassId(static_cast<kaClassID>(99)), std::invalid_argument);
+    EXPECT_THROW(matrix::detail::rejectInvalidClassId(static_cast<kaClassID>(99)),
+                 std::invalid_argument);
 }
 
 TEST(KaWarning, DefaultWritesUtf8ToStderr) {

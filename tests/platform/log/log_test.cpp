@@ -25,11 +25,14 @@ TEST(MaskSetting, BestMatchingEntryGivesTheMask) {
         const char *setting, *channel;
         std::uint32_t expected;
     };
-    // A longer prefix wins whatever the order, an exact name beats any prefix, the last of equals wins.
-    const Case cases[] = {{"a::b=1", "a::bc", 0}, {"a::*=4,*=7", "a::b", 4},         {"a::*=4,a::b=1", "a::b", 1},
-                          {"x=1,x=2", "x", 2},    {" x = 0X1f ; y=2 ,", "x", 0x1f}, {"X=1", "x", 0},
-                          {"x=3,x=0x100000000", "x", 3}, {"a*b=1", "axb", 0}};
-    for (const Case& c : cases) EXPECT_EQ(flog::maskFromSetting(c.setting, c.channel), c.expected) << c.setting;
+    // A longer prefix wins whatever the order, an exact name beats any prefix, the last of equals
+    // wins.
+    const Case cases[] = {{"a::b=1", "a::bc", 0},           {"a::*=4,*=7", "a::b", 4},
+                          {"a::*=4,a::b=1", "a::b", 1},     {"x=1,x=2", "x", 2},
+                          {" x = 0X1f ; y=2 ,", "x", 0x1f}, {"X=1", "x", 0},
+                          {"x=3,x=0x100000000", "x", 3},    {"a*b=1", "axb", 0}};
+    for (const Case& c : cases)
+        EXPECT_EQ(flog::maskFromSetting(c.setting, c.channel), c.expected) << c.setting;
 }
 
 struct counted {
@@ -48,15 +51,18 @@ TEST(DiagnosticLogger, TextIsBuiltOnlyWhenTheMaskBitIsOn) {
     const std::string channel = "test::formatting";
     flog::diagnostic_logger logger(channel);
     EXPECT_EQ(logger.severityMask(), 0u);  // silent by default
-    for (const Case& c : {Case{0x107, 256, true}, Case{0x3, 4, false}, Case{0xffffffffu, 0, false}}) {
+    for (const Case& c :
+         {Case{0x107, 256, true}, Case{0x3, 4, false}, Case{0xffffffffu, 0, false}}) {
         SCOPED_TRACE(c.severity);
         scoped_channel_mask mask(channel, c.mask);
         memory_sink sink(channel);
         int macroCalls = 0, callableCalls = 0;
         FOUNDATION_LOG(logger, c.severity) << "a " << counted{&macroCalls};
-        logger.write(c.severity, [&](std::ostream& out) { out << "b " << counted{&callableCalls}; });
+        logger.write(c.severity,
+                     [&](std::ostream& out) { out << "b " << counted{&callableCalls}; });
         EXPECT_EQ(logger.isEnabled(c.severity), c.written);
-        EXPECT_EQ(flog::diagnostic_logger(channel).severityMask(), c.mask);  // the channel's mask, shared
+        EXPECT_EQ(flog::diagnostic_logger(channel).severityMask(),
+                  c.mask);  // the channel's mask, shared
         EXPECT_EQ(macroCalls + callableCalls, c.written ? 2 : 0);
         const std::vector<captured_record> written = {{channel, c.severity, 0, "a counted", "", 0},
                                                       {channel, c.severity, 0, "b counted", "", 0}};
@@ -82,7 +88,8 @@ TEST(DiagnosticLogger, TextIsBuiltOnlyWhenTheMaskBitIsOn) {
 TEST(DiagnosticLogger, EnvironmentSetsMasksOfNewChannelsAndEnablesStderr) {
     ::setenv(flog::mask_variable, "test::env::*=0x2, test::env::exact=256, broken", 1);
     testing::internal::CaptureStderr();
-    flog::diagnostic_logger exact("test::env::exact"), prefixed("test::env::other"), unmatched("test::elsewhere");
+    flog::diagnostic_logger exact("test::env::exact"), prefixed("test::env::other"),
+        unmatched("test::elsewhere");
     FOUNDATION_LOG(prefixed, 2) << "to stderr";
     FOUNDATION_LOG(prefixed, 1) << "masked out";
     {
@@ -96,14 +103,17 @@ TEST(DiagnosticLogger, EnvironmentSetsMasksOfNewChannelsAndEnablesStderr) {
     EXPECT_EQ(prefixed.severityMask(), 2u);
     EXPECT_EQ(unmatched.severityMask(), 0u);
     // The malformed entry is reported once, though three channels read the variable.
-    EXPECT_EQ(err, "KELDOR_LOG: ignored 'broken': expected pattern=mask\ntest::env::other [2] to stderr\n");
+    EXPECT_EQ(
+        err,
+        "KELDOR_LOG: ignored 'broken': expected pattern=mask\ntest::env::other [2] to stderr\n");
 }
 
 // Each record as "severity indent text".
 std::vector<std::string> lines(const memory_sink& sink) {
     std::vector<std::string> result;
     for (const captured_record& r : sink.records())
-        result.push_back(std::to_string(r.severity) + ' ' + std::to_string(r.indent) + ' ' + r.text);
+        result.push_back(std::to_string(r.severity) + ' ' + std::to_string(r.indent) + ' ' +
+                         r.text);
     return result;
 }
 
@@ -123,8 +133,8 @@ TEST(TraceScope, EntryExitAndIndentFollowTheMask) {
         bool fail;
         std::vector<std::string> expected;
     };
-    const std::vector<std::string> entered = {"32 0 void traced()", "1 1 inside", "32 1 void inner()", "1 2 deeper",
-                                              "64 1 void inner()"};
+    const std::vector<std::string> entered = {
+        "32 0 void traced()", "1 1 inside", "32 1 void inner()", "1 2 deeper", "64 1 void inner()"};
     auto left = [&](const char* outerExit) {
         std::vector<std::string> all = entered;
         all.push_back(std::string("64 0 ") + outerExit);
@@ -159,7 +169,9 @@ TEST(TraceScope, IndentBelongsToTheThread) {
     flog::trace_scope mainTrace(logger, "main");
     std::vector<std::thread> workers;
     for (int t = 0; t < 4; ++t)
-        workers.emplace_back([&logger] { for (int i = 0; i < 50; ++i) traced(logger, false); });
+        workers.emplace_back([&logger] {
+            for (int i = 0; i < 50; ++i) traced(logger, false);
+        });
     for (std::thread& worker : workers) worker.join();
     // Every worker's record sits at its own depth, though the main thread's trace stays open.
     const std::vector<std::string> all = lines(sink);

@@ -66,11 +66,14 @@ protected:
 TEST_F(FrameworkTest, InterfaceIdIsTheDemangledNameAndIsRequired) {
     auto registration = context().RegisterService<IAlpha, IBeta>(std::make_shared<Alpha>(1));
     EXPECT_EQ(registration.GetReference().GetInterfaceId(), "(anonymous namespace)::IAlpha");
-    EXPECT_EQ(any_cast<std::vector<std::string>>(registration.GetReference().GetProperty("objectclass")),
-              (std::vector<std::string>{"(anonymous namespace)::IAlpha", "(anonymous namespace)::IBeta"}));
+    EXPECT_EQ(
+        any_cast<std::vector<std::string>>(registration.GetReference().GetProperty("objectclass")),
+        (std::vector<std::string>{"(anonymous namespace)::IAlpha",
+                                  "(anonymous namespace)::IBeta"}));
     EXPECT_EQ(context().GetServiceReferences<IBeta>().size(), 1u);
-    EXPECT_EQ(errorOf([&] { context().RegisterService<NoId>(std::make_shared<NoId>()); }),
-              "The service interface class has no CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE macro");
+    EXPECT_EQ(
+        errorOf([&] { context().RegisterService<NoId>(std::make_shared<NoId>()); }),
+        "The service interface class has no CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE macro");
     EXPECT_THROW((void)context().GetServiceReferences<NoId>(), ServiceException);
 }
 
@@ -80,7 +83,8 @@ TEST_F(FrameworkTest, LookupOrdersByRankingThenAgeAndFilters) {
     context().RegisterService<IAlpha>(std::make_shared<Alpha>(3), {{"kind", std::string("x")}});
     EXPECT_EQ(values(), (std::vector<int>{2, 1, 3}));
     EXPECT_EQ(values("(kind=x)"), (std::vector<int>{1, 3}));
-    EXPECT_THROW(context().RegisterService<IAlpha>(std::make_shared<Alpha>(4), {{"service.ranking", std::string("high")}}),
+    EXPECT_THROW(context().RegisterService<IAlpha>(std::make_shared<Alpha>(4),
+                                                   {{"service.ranking", std::string("high")}}),
                  std::invalid_argument);
 }
 
@@ -91,19 +95,27 @@ TEST_F(FrameworkTest, StoppedFrameworkInvalidatesItsContext) {
     framework_.Stop();
     EXPECT_FALSE(kept);
     EXPECT_FALSE(framework_.GetBundleContext());
-    EXPECT_EQ(errorOf([&] { (void)kept.GetServiceReferences<IAlpha>(); }), "The bundle context is no longer valid");
+    EXPECT_EQ(errorOf([&] { (void)kept.GetServiceReferences<IAlpha>(); }),
+              "The bundle context is no longer valid");
     EXPECT_EQ(service.use_count(), 1) << "the registry still holds the service";
 }
 
 TEST(LDAPFilter, Matches) {
     const AnyMap properties{
-        {"name", std::string("builtin2/builtin")}, {"Count", 3}, {"enabled", true},
-        {"objectclass", std::vector<std::string>{"A::I", "B::J"}}, {"odd", std::string("a(b)*c\\")},
+        {"name", std::string("builtin2/builtin")},
+        {"Count", 3},
+        {"enabled", true},
+        {"objectclass", std::vector<std::string>{"A::I", "B::J"}},
+        {"odd", std::string("a(b)*c\\")},
     };
     // Values keep their case, names do not; a list matches by any element.
     const std::pair<std::string, bool> cases[] = {
-        {"(name=builtin2/builtin)", true}, {"(name=builtin2/Builtin)", false}, {"(NAME=builtin2/builtin)", true},
-        {"(objectclass=B::J)", true},      {"(missing=*)", false},             {"(odd=a\\28b\\29\\2ac\\5c)", true},
+        {"(name=builtin2/builtin)", true},
+        {"(name=builtin2/Builtin)", false},
+        {"(NAME=builtin2/builtin)", true},
+        {"(objectclass=B::J)", true},
+        {"(missing=*)", false},
+        {"(odd=a\\28b\\29\\2ac\\5c)", true},
         {"(&(|(count=4)(!(missing=*)))(!(&(enabled=true)(ratio=1))))", true},
         {"(|(&(count=3)(!(enabled=true)))(!(|(name=*)(count=3))))", false},
         {" ( & (count=3) (enabled=TRUE) ) ", true},

@@ -39,9 +39,12 @@ protected:
         fs::create_directories(root_ / name);
         std::ofstream(root_ / name / "manifest.json") << manifest;
     }
-    void addGreeter(const std::string& name, const std::string& greeting, const std::string& extra = {}) {
-        addBundle(name, R"({"bundle.symbolic_name": ")" + name + R"(", "bundle.library": ")" TEST_BUNDLE_LIBRARY
-                            R"(", "started-in": "here", "greeting": ")" + greeting + "\"" + extra + "}");
+    void addGreeter(const std::string& name, const std::string& greeting,
+                    const std::string& extra = {}) {
+        addBundle(name, R"({"bundle.symbolic_name": ")" + name +
+                            R"(", "bundle.library": ")" TEST_BUNDLE_LIBRARY
+                            R"(", "started-in": "here", "greeting": ")" +
+                            greeting + "\"" + extra + "}");
     }
     auto start() { return installAndStart(fl::filesystem::path(root_.u16string(), true), here_); }
     static Names names(const std::vector<Bundle>& bundles) {
@@ -65,7 +68,9 @@ protected:
 TEST_F(InstallTest, FailingBundlesDoNotStopTheOthers) {
     addGreeter("a-good", "hello");
     addBundle("b-bad-json", "{ not json");
-    addBundle("c-no-library", R"({"bundle.symbolic_name": "c", "bundle.library": "absent.so", "started-in": "here"})");
+    addBundle(
+        "c-no-library",
+        R"({"bundle.symbolic_name": "c", "bundle.library": "absent.so", "started-in": "here"})");
     addGreeter("d-failing", "never", R"(, "fail-start": true)");
     addGreeter("e-elsewhere", "later", R"(, "started-in": "elsewhere")");
     addGreeter("f-good", "world");
@@ -79,8 +84,10 @@ TEST_F(InstallTest, FailingBundlesDoNotStopTheOthers) {
         const Names folders = {"b-bad-json", "g-no-name", "c-no-library", "d-failing"};
         ASSERT_EQ(failures.size(), folders.size()) << error.what();
         for (std::size_t i = 0; i < folders.size(); ++i)
-            EXPECT_EQ(failures[i].rfind("Bundle " + (root_ / folders[i]).string() + ": ", 0), 0u) << failures[i];
-        EXPECT_EQ(names(error.result().first), (Names{"a-good", "c", "d-failing", "e-elsewhere", "f-good"}));
+            EXPECT_EQ(failures[i].rfind("Bundle " + (root_ / folders[i]).string() + ": ", 0), 0u)
+                << failures[i];
+        EXPECT_EQ(names(error.result().first),
+                  (Names{"a-good", "c", "d-failing", "e-elsewhere", "f-good"}));
         EXPECT_EQ(names(error.result().second), (Names{"a-good", "f-good"}));
         EXPECT_EQ(error.result().first[3].GetState(), Bundle::STATE_INSTALLED);
         EXPECT_EQ(error.result().first[2].GetState(), Bundle::STATE_RESOLVED);

@@ -33,7 +33,8 @@ TEST(Store, ScopesSwitchAndRestoreTheCurrentStoreAndIdsKeepTheirType) {
     test::store_access::insertAs(first, a, typeid(double), makeValue<double>(1.0));
     EXPECT_EQ(test::store_access::ids(first), (std::vector<ID>{b, a}));
     EXPECT_THROW(first.findOrThrow(a, typeid(int)), TypeError);
-    EXPECT_THROW(test::store_access::insertAs(first, a, typeid(int), makeValue<int>(3)), AlreadyExistsError);
+    EXPECT_THROW(test::store_access::insertAs(first, a, typeid(int), makeValue<int>(3)),
+                 AlreadyExistsError);
 }
 
 TEST(StoreDeathTest, BrokenScopesAndFailedLookupsStopTheProcess) {

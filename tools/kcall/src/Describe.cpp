@@ -11,9 +11,9 @@ namespace kcall {
 namespace {
 
 using Norvane::builtin::BuiltinVariant;
-using Norvane::builtin::declare::signatureText;
 using Norvane::builtin::ClassificationCache;
 using Norvane::builtin::VariantSignature;
+using Norvane::builtin::declare::signatureText;
 using Norvane::builtin::types::ArgType;
 using Norvane::builtin::types::OrroSupportLevel;
 
@@ -56,24 +56,30 @@ struct Verdict {
 
 // Whether the variant takes the call, and why not. The first look is at the declared types; an
 // element-wise variant looks again at them as arrays, then at the shapes.
-Verdict verdictOf(const BuiltinVariant& v, const VariantSignature& signature, std::span<kaArray_tag* const> arguments) {
+Verdict verdictOf(const BuiltinVariant& v, const VariantSignature& signature,
+                  std::span<kaArray_tag* const> arguments) {
     const auto refusedAt = [&](auto typeAt) -> std::size_t {
         for (std::size_t i = 0; i < v.inputArgTypes.size(); ++i) {
-            if (!Norvane::builtin::types::isAcceptable(typeAt(i), signature.getArgType(i))) return i;
+            if (!Norvane::builtin::types::isAcceptable(typeAt(i), signature.getArgType(i)))
+                return i;
         }
         return v.inputArgTypes.size();
     };
     const std::size_t first = refusedAt([&](std::size_t i) { return v.inputArgTypes[i]; });
     if (first == v.inputArgTypes.size()) return {true, false, {}};
-    const std::string input = "input " + std::to_string(first + 1) + " is " + describeValue(arguments[first]);
+    const std::string input =
+        "input " + std::to_string(first + 1) + " is " + describeValue(arguments[first]);
     if (v.isElementWise != BuiltinVariant::IsElementWise::YES) {
         return {false, false, input + ", which " + v.inputTypes[first] + " does not take"};
     }
-    const std::size_t asArrays =
-        refusedAt([&](std::size_t i) { return Norvane::builtin::types::asElementWiseArrayType(v.inputArgTypes[i]); });
+    const std::size_t asArrays = refusedAt([&](std::size_t i) {
+        return Norvane::builtin::types::asElementWiseArrayType(v.inputArgTypes[i]);
+    });
     if (asArrays != v.inputArgTypes.size()) {
-        return {false, false, "input " + std::to_string(asArrays + 1) + " is " + describeValue(arguments[asArrays]) +
-                                  ", neither " + v.inputTypes[asArrays] + " nor an array of it"};
+        return {false, false,
+                "input " + std::to_string(asArrays + 1) + " is " +
+                    describeValue(arguments[asArrays]) + ", neither " + v.inputTypes[asArrays] +
+                    " nor an array of it"};
     }
     if (v == signature) return {true, true, {}};
     return {false, false, "element by element, the arrays' sizes do not agree"};
@@ -88,7 +94,8 @@ std::string describeValue(const kaArray_tag* value) {
     const std::string& object = ka::objectClassName(value);
     text += object.empty() ? std::string(ka::className(matrix::classId(value))) : object;
     const char* separator = " ";
-    for (std::size_t d : matrix::dimensions(value)) text += std::exchange(separator, "x") + std::to_string(d);
+    for (std::size_t d : matrix::dimensions(value))
+        text += std::exchange(separator, "x") + std::to_string(d);
     return text;
 }
 
@@ -98,7 +105,8 @@ std::string describeBuiltin(std::string_view name, std::string_view module,
     os << name << " (module " << module << ")\n";
     writeList(os, "invoke, without the engine", lists.searchedByInvokeNoOrro);
     writeList(os, "invoke, after the engine", lists.searchedByInvokeAfterOrro);
-    writeList(os, "invoke, after the engine, with a complex scalar", lists.searchedByInvokeAfterOrroComplexScalarRhs);
+    writeList(os, "invoke, after the engine, with a complex scalar",
+              lists.searchedByInvokeAfterOrroComplexScalarRhs);
     writeList(os, "the engine", lists.searchedByOrro);
     const auto findings = Norvane::builtin::declare::lintVariantLists(std::string(name), lists);
     os << "lint: " << (findings.empty() ? "nothing to report\n" : "\n");
@@ -106,13 +114,16 @@ std::string describeBuiltin(std::string_view name, std::string_view module,
     return os.str();
 }
 
-std::string explainCall(std::string_view name, const Norvane::builtin::builtinreg::BuiltinVariantLists& lists,
+std::string explainCall(std::string_view name,
+                        const Norvane::builtin::builtinreg::BuiltinVariantLists& lists,
                         std::span<kaArray_tag* const> arguments, std::size_t nlhs) {
     std::ostringstream os;
     os << name << "(";
     const char* separator = "";
-    for (kaArray_tag* argument : arguments) os << std::exchange(separator, ", ") << describeValue(argument);
-    os << "), " << nlhs << (nlhs == 1 ? " output" : " outputs") << " asked; invoke searches its list without the engine:\n";
+    for (kaArray_tag* argument : arguments)
+        os << std::exchange(separator, ", ") << describeValue(argument);
+    os << "), " << nlhs << (nlhs == 1 ? " output" : " outputs")
+       << " asked; invoke searches its list without the engine:\n";
     ClassificationCache cache;
     const VariantSignature signature(nlhs, arguments.size(), arguments.data(), &cache);
     std::size_t tried = 0;
@@ -127,7 +138,8 @@ std::string explainCall(std::string_view name, const Norvane::builtin::builtinre
         }
         os << "refused: " << verdict.why << '\n';
     }
-    if (tried == 0) os << "  no variant has " << arguments.size() << " inputs and " << nlhs << " outputs\n";
+    if (tried == 0)
+        os << "  no variant has " << arguments.size() << " inputs and " << nlhs << " outputs\n";
     os << "  no variant takes the call: the default implementation runs, if there is one\n";
     return os.str();
 }

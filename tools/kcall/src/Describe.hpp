@@ -21,7 +21,8 @@ std::string describeBuiltin(std::string_view name, std::string_view module,
 
 // How invoke, searching the list without the engine, treats a call of the builtin with these
 // arguments asking for nlhs outputs.
-std::string explainCall(std::string_view name, const Norvane::builtin::builtinreg::BuiltinVariantLists& lists,
+std::string explainCall(std::string_view name,
+                        const Norvane::builtin::builtinreg::BuiltinVariantLists& lists,
                         std::span<kaArray_tag* const> arguments, std::size_t nlhs);
 
 }  // namespace kcall

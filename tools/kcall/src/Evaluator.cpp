@@ -36,7 +36,8 @@ ka::ArrayPtr Evaluator::evaluate(const Expr& expr) {
             case Expr::Kind::Name: {
                 const kaArray_tag* value = variable(expr.text);
                 if (value == nullptr && (expr.text == "true" || expr.text == "false")) {
-                    return convertTo(kaLOGICAL_CLASS, numberValue(expr.text == "true" ? 1 : 0, false).get());
+                    return convertTo(kaLOGICAL_CLASS,
+                                     numberValue(expr.text == "true" ? 1 : 0, false).get());
                 }
                 if (value == nullptr) {
                     throw EvaluationError(expr.column, "'" + expr.text + "' is not defined");
@@ -95,8 +96,10 @@ ka::ArrayPtr Evaluator::call(const Expr& expr, int nlhs) {
         if (std::string_view(e.what()) != "builtin function implementation is nullptr") throw;
         std::string message = "no variant of " + expr.text + " takes (";
         const char* separator = "";
-        for (kaArray_tag* argument : arguments) message += std::exchange(separator, ", ") + describeValue(argument);
-        throw EvaluationError(expr.column, message + "); kcall --describe " + expr.text + " lists its variants");
+        for (kaArray_tag* argument : arguments)
+            message += std::exchange(separator, ", ") + describeValue(argument);
+        throw EvaluationError(expr.column,
+                              message + "); kcall --describe " + expr.text + " lists its variants");
     }
     return ka::ArrayPtr(result[0]);
 }

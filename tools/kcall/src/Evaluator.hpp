@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <span>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -29,7 +29,9 @@ public:
     // The builtin of that name, or null.
     virtual const Norvane::builtin::BuiltinFcn* find(std::string_view name) const = 0;
     // Its search lists, or null if they cannot be shown.
-    virtual const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(std::string_view) const { return nullptr; }
+    virtual const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(std::string_view) const {
+        return nullptr;
+    }
 };
 
 // Told of each call of a builtin just before it is made: name, arguments, outputs asked for.

@@ -12,7 +12,8 @@
 
 namespace kcall {
 
-LineReader::LineReader(std::istream& in) : in_(in), interactive_(::isatty(STDIN_FILENO) != 0 && &in == &std::cin) {}
+LineReader::LineReader(std::istream& in)
+    : in_(in), interactive_(::isatty(STDIN_FILENO) != 0 && &in == &std::cin) {}
 
 LineReader::~LineReader() = default;
 

@@ -10,10 +10,18 @@ namespace {
 
 constexpr std::size_t kMaxDepth = 200;  // nesting of calls, brackets and parentheses
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isNameStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-bool isNameChar(char c) { return isNameStart(c) || isDigit(c); }
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isNameStart(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+bool isNameChar(char c) {
+    return isNameStart(c) || isDigit(c);
+}
+bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r';
+}
 
 class Parser {
 public:
@@ -54,7 +62,9 @@ private:
     bool atEnd() const { return pos_ >= text_.size(); }
     bool atEndOfStatement() const { return atEnd() || peek() == '%'; }
     std::size_t column() const { return pos_ + 1; }
-    [[noreturn]] void fail(const std::string& expected) const { throw ParseError(column(), expected); }
+    [[noreturn]] void fail(const std::string& expected) const {
+        throw ParseError(column(), expected);
+    }
     [[noreturn]] void failAt(std::size_t position, const std::string& expected) const {
         throw ParseError(position + 1, expected);
     }
@@ -75,7 +85,8 @@ private:
     // --- expressions ---------------------------------------------------------------------
 
     ExprPtr expression(bool inBrackets) {
-        if (depth_ == kMaxDepth) fail("at most " + std::to_string(kMaxDepth) + " levels of nesting");
+        if (depth_ == kMaxDepth)
+            fail("at most " + std::to_string(kMaxDepth) + " levels of nesting");
         ++depth_;
         ExprPtr result = primary(inBrackets);
         --depth_;
@@ -114,7 +125,8 @@ private:
     }
 
     bool wordAt(std::size_t ahead, std::string_view word) const {
-        return text_.substr(pos_ + ahead, word.size()) == word && !isNameChar(peek(ahead + word.size()));
+        return text_.substr(pos_ + ahead, word.size()) == word &&
+               !isNameChar(peek(ahead + word.size()));
     }
 
     // One real or imaginary literal with its sign; sets `imaginary` if it ends in i or j.
@@ -155,7 +167,8 @@ private:
             while (isDigit(peek())) ++pos_;
         }
         double value = 0;
-        const auto [end, error] = std::from_chars(text_.data() + digits, text_.data() + pos_, value);
+        const auto [end, error] =
+            std::from_chars(text_.data() + digits, text_.data() + pos_, value);
         if (error == std::errc::result_out_of_range) {
             // Beyond the range of a double: the zero or infinity that the language reads.
             return negativeExponent ? 0.0 : std::numeric_limits<double>::infinity();
@@ -269,7 +282,8 @@ private:
             if (next == ',') {
                 ++pos_;
                 skipBlanks();
-                if (peek() == ']' || peek() == ';' || peek() == '\n' || atEnd()) fail("an element after ','");
+                if (peek() == ']' || peek() == ';' || peek() == '\n' || atEnd())
+                    fail("an element after ','");
             } else if (!blank && next != ']' && next != ';' && next != '\n' && !atEnd()) {
                 fail("a blank, ',', ';' or ']'");
             }
@@ -285,7 +299,9 @@ private:
 
 }  // namespace
 
-Statement parseLine(std::string_view line) { return Parser(line).statement(); }
+Statement parseLine(std::string_view line) {
+    return Parser(line).statement();
+}
 
 bool needsMoreInput(std::string_view text) {
     long depth = 0;
@@ -293,8 +309,10 @@ bool needsMoreInput(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
         if (quote != 0) {
-            if (c == '\n') quote = 0;  // an unterminated text ends with its line
-            else if (c == quote) quote = 0;
+            if (c == '\n')
+                quote = 0;  // an unterminated text ends with its line
+            else if (c == quote)
+                quote = 0;
             continue;
         }
         if (c == '%') {

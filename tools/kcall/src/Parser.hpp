@@ -25,7 +25,8 @@ namespace kcall {
 // A line that is not in the grammar: what was expected at the column.
 class ParseError : public LineError {
 public:
-    ParseError(std::size_t column, const std::string& expected) : LineError(column, "expected " + expected) {}
+    ParseError(std::size_t column, const std::string& expected)
+        : LineError(column, "expected " + expected) {}
 };
 
 Statement parseLine(std::string_view line);

@@ -75,7 +75,6 @@ void addChars(json::object& object, const kaArray_tag* array) {
     }
 }
 
-
 }  // namespace
 
 void display(std::ostream& out, const kaArray_tag* value, std::string_view name) {
@@ -85,7 +84,8 @@ void display(std::ostream& out, const kaArray_tag* value, std::string_view name)
 json::value toJson(const kaArray_tag* value) {
     json::object object;
     const std::string& objectClass = ka::objectClassName(value);
-    object["class"] = objectClass.empty() ? std::string(ka::className(matrix::classId(value))) : objectClass;
+    object["class"] =
+        objectClass.empty() ? std::string(ka::className(matrix::classId(value))) : objectClass;
     json::array size;
     for (std::size_t d : matrix::dimensions(value)) size.push_back(d);
     object["size"] = std::move(size);
@@ -114,7 +114,8 @@ json::value toJson(const kaArray_tag* value) {
         }
         case kaSTRUCT_CLASS: {
             json::array names;
-            for (const std::string& name : ka::fieldNames(value)) names.push_back(json::string(name));
+            for (const std::string& name : ka::fieldNames(value))
+                names.push_back(json::string(name));
             object["fields"] = std::move(names);
             break;
         }
@@ -124,6 +125,8 @@ json::value toJson(const kaArray_tag* value) {
     return object;
 }
 
-void writeJsonLine(std::ostream& out, const json::value& value) { out << json::serialize(value) << '\n'; }
+void writeJsonLine(std::ostream& out, const json::value& value) {
+    out << json::serialize(value) << '\n';
+}
 
 }  // namespace kcall

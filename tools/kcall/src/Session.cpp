@@ -17,7 +17,9 @@ Session::Session(const BuiltinDirectory& builtins, std::ostream& out, std::ostre
     previousHandler_ = ka::setWarningHandler([this](const std::u16string& text) { warn(text); });
 }
 
-Session::~Session() { ka::setWarningHandler(std::move(previousHandler_)); }
+Session::~Session() {
+    ka::setWarningHandler(std::move(previousHandler_));
+}
 
 bool Session::runLine(std::string_view line) {
     try {
@@ -42,8 +44,8 @@ bool Session::runLine(std::string_view line) {
 }
 
 void Session::explainCalls(const BuiltinDirectory& builtins, std::ostream& out) {
-    evaluator_.observeCalls([&builtins, &out](const std::string& name, std::span<kaArray_tag* const> arguments,
-                                              int nlhs) {
+    evaluator_.observeCalls([&builtins, &out](const std::string& name,
+                                              std::span<kaArray_tag* const> arguments, int nlhs) {
         if (const auto* lists = builtins.lists(name)) {
             out << explainCall(name, *lists, arguments, static_cast<std::size_t>(nlhs));
         }

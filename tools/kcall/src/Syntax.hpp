@@ -16,7 +16,8 @@ namespace kcall {
 class LineError : public std::runtime_error {
 public:
     LineError(std::size_t column, const std::string& message)
-        : std::runtime_error("column " + std::to_string(column) + ": " + message), column_(column) {}
+        : std::runtime_error("column " + std::to_string(column) + ": " + message),
+          column_(column) {}
     std::size_t column() const { return column_; }
 
 private:
@@ -39,8 +40,8 @@ struct Expr {
     Kind kind;
     std::size_t column = 0;
     std::complex<double> number{};
-    bool imaginary = false;  // the literal has an imaginary part, even if it is 0
-    std::string text;        // the name, or the UTF-8 text of a char row or string
+    bool imaginary = false;                  // the literal has an imaginary part, even if it is 0
+    std::string text;                        // the name, or the UTF-8 text of a char row or string
     std::vector<ExprPtr> arguments;          // of a call
     std::vector<std::vector<ExprPtr>> rows;  // of a matrix
 

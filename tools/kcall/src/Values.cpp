@@ -24,15 +24,18 @@ constexpr struct {
     std::string_view name;
     kaClassID id;
 } kConversions[] = {
-    {"double", kaDOUBLE_CLASS}, {"single", kaSINGLE_CLASS}, {"int8", kaINT8_CLASS},
-    {"uint8", kaUINT8_CLASS},   {"int16", kaINT16_CLASS},   {"uint16", kaUINT16_CLASS},
-    {"int32", kaINT32_CLASS},   {"uint32", kaUINT32_CLASS}, {"int64", kaINT64_CLASS},
+    {"double", kaDOUBLE_CLASS}, {"single", kaSINGLE_CLASS},   {"int8", kaINT8_CLASS},
+    {"uint8", kaUINT8_CLASS},   {"int16", kaINT16_CLASS},     {"uint16", kaUINT16_CLASS},
+    {"int32", kaINT32_CLASS},   {"uint32", kaUINT32_CLASS},   {"int64", kaINT64_CLASS},
     {"uint64", kaUINT64_CLASS}, {"logical", kaLOGICAL_CLASS}, {"char", kaCHAR_CLASS},
 };
 
-bool isInteger(kaClassID id) { return id >= kaINT8_CLASS && id <= kaUINT64_CLASS; }
+bool isInteger(kaClassID id) {
+    return id >= kaINT8_CLASS && id <= kaUINT64_CLASS;
+}
 bool isPlain(kaClassID id) {
-    return id == kaLOGICAL_CLASS || id == kaCHAR_CLASS || (id >= kaDOUBLE_CLASS && id <= kaUINT64_CLASS);
+    return id == kaLOGICAL_CLASS || id == kaCHAR_CLASS ||
+           (id >= kaDOUBLE_CLASS && id <= kaUINT64_CLASS);
 }
 
 std::string nameOf(const kaArray_tag* array) {
@@ -89,8 +92,10 @@ T toElement(double part) {
     } else {
         if (std::isnan(part)) return T{0};
         const double rounded = std::round(part);
-        if (rounded <= static_cast<double>(std::numeric_limits<T>::min())) return std::numeric_limits<T>::min();
-        if (rounded >= static_cast<double>(std::numeric_limits<T>::max())) return std::numeric_limits<T>::max();
+        if (rounded <= static_cast<double>(std::numeric_limits<T>::min()))
+            return std::numeric_limits<T>::min();
+        if (rounded >= static_cast<double>(std::numeric_limits<T>::max()))
+            return std::numeric_limits<T>::max();
         return static_cast<T>(rounded);
     }
 }
@@ -109,8 +114,10 @@ void write(kaArray_tag* array, std::size_t i, Complex value) {
 }
 
 void copyElement(const kaArray_tag* from, std::size_t i, kaArray_tag* to, std::size_t j) {
-    if (matrix::classId(from) == matrix::classId(to) && matrix::isComplex(from) == matrix::isComplex(to)) {
-        const std::size_t size = ka::elementSize(matrix::classId(from)) * (matrix::isComplex(from) ? 2 : 1);
+    if (matrix::classId(from) == matrix::classId(to) &&
+        matrix::isComplex(from) == matrix::isComplex(to)) {
+        const std::size_t size =
+            ka::elementSize(matrix::classId(from)) * (matrix::isComplex(from) ? 2 : 1);
         std::memcpy(static_cast<char*>(matrix::data(to)) + j * size,
                     static_cast<const char*>(matrix::data(from)) + i * size, size);
     } else {
@@ -143,8 +150,12 @@ kaClassID dominantClass(const std::vector<const kaArray_tag*>& elements) {
     return allLogical && !elements.empty() ? kaLOGICAL_CLASS : kaDOUBLE_CLASS;
 }
 
-std::size_t rowsOf(const kaArray_tag* a) { return matrix::dimensions(a)[0]; }
-std::size_t columnsOf(const kaArray_tag* a) { return matrix::dimensions(a)[1]; }
+std::size_t rowsOf(const kaArray_tag* a) {
+    return matrix::dimensions(a)[0];
+}
+std::size_t columnsOf(const kaArray_tag* a) {
+    return matrix::dimensions(a)[1];
+}
 
 }  // namespace
 
@@ -177,7 +188,9 @@ ka::ArrayPtr convertTo(kaClassID target, const kaArray_tag* array) {
     requirePlain(array, ka::className(target));
     const bool complex = matrix::isComplex(array);
     if (target == kaLOGICAL_CLASS || target == kaCHAR_CLASS) {
-        if (complex) throw std::invalid_argument(std::string("complex values cannot become ") + std::string(ka::className(target)));
+        if (complex)
+            throw std::invalid_argument(std::string("complex values cannot become ") +
+                                        std::string(ka::className(target)));
     }
     const std::span<const std::size_t> dims = matrix::dimensions(array);
     ka::ArrayPtr result = create(target, ka::Dims(dims.begin(), dims.end()), complex);
@@ -207,7 +220,8 @@ ka::ArrayPtr concatenate(const std::vector<std::vector<const kaArray_tag*>>& row
         if (keptRow.empty()) kept.pop_back();
     }
     const kaClassID id = dominantClass(all);
-    const bool complex = std::any_of(all.begin(), all.end(), [](const kaArray_tag* a) { return matrix::isComplex(a); });
+    const bool complex = std::any_of(all.begin(), all.end(),
+                                     [](const kaArray_tag* a) { return matrix::isComplex(a); });
 
     // Heights within a row must agree, and the widths of the rows.
     std::size_t columns = 0, height = 0;
@@ -216,13 +230,15 @@ ka::ArrayPtr concatenate(const std::vector<std::vector<const kaArray_tag*>>& row
         std::size_t width = 0;
         for (const kaArray_tag* element : kept[r]) {
             if (rowsOf(element) != rowsOf(kept[r][0])) {
-                throw std::invalid_argument("the elements of a row of a matrix must have the same number of rows");
+                throw std::invalid_argument(
+                    "the elements of a row of a matrix must have the same number of rows");
             }
             width += columnsOf(element);
         }
         if (r == 0) columns = width;
         if (width != columns) {
-            throw std::invalid_argument("the rows of a matrix must have the same number of columns");
+            throw std::invalid_argument(
+                "the rows of a matrix must have the same number of columns");
         }
         heights.push_back(rowsOf(kept[r][0]));
         height += heights.back();
@@ -234,7 +250,8 @@ ka::ArrayPtr concatenate(const std::vector<std::vector<const kaArray_tag*>>& row
         for (const kaArray_tag* element : kept[r]) {
             for (std::size_t c = 0; c < columnsOf(element); ++c) {
                 for (std::size_t e = 0; e < rowsOf(element); ++e) {
-                    copyElement(element, c * rowsOf(element) + e, result.get(), (left + c) * height + top + e);
+                    copyElement(element, c * rowsOf(element) + e, result.get(),
+                                (left + c) * height + top + e);
                 }
             }
             left += columnsOf(element);

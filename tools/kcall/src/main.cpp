@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <oneapi/tbb/global_control.h>
+#include <CLI/CLI.hpp>
 
 #include <builtin/declare/ModuleDirectory.hpp>
 #include <builtin/services/BuiltinServices.hpp>
@@ -34,9 +34,13 @@ constexpr const char* kVersion = "kcall 0.1.0";
 
 class Directory final : public kcall::BuiltinDirectory {
 public:
-    explicit Directory(const Norvane::builtin::declare::ModuleDirectory& modules) : modules_(modules) {}
-    const Norvane::builtin::BuiltinFcn* find(std::string_view name) const override { return modules_.find(name); }
-    const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(std::string_view name) const override {
+    explicit Directory(const Norvane::builtin::declare::ModuleDirectory& modules)
+        : modules_(modules) {}
+    const Norvane::builtin::BuiltinFcn* find(std::string_view name) const override {
+        return modules_.find(name);
+    }
+    const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(
+        std::string_view name) const override {
         return modules_.lists(name);
     }
 
@@ -108,21 +112,29 @@ int run(const Options& options, const kcall::BuiltinDirectory& builtins) {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Calls KELDOR builtins with values, shows the results, and explains the choice of variant.");
+    CLI::App app(
+        "Calls KELDOR builtins with values, shows the results, and explains the choice of "
+        "variant.");
     app.set_version_flag("--version", kVersion);
     // Lines are taken as they are, not as CLI11 values (which read "[1 2]" as a list): every
     // argument that is not an option is one, and after "--" every argument is.
     app.allow_extras();
-    app.footer("Lines to evaluate follow the options, one per argument (after -- if one starts with -);\n"
-               "without any, lines come from standard input.");
-    app.add_option("--modules", options.moduleFolders, "Another folder of module bundles (repeatable)")
+    app.footer(
+        "Lines to evaluate follow the options, one per argument (after -- if one starts with -);\n"
+        "without any, lines come from standard input.");
+    app.add_option("--modules", options.moduleFolders,
+                   "Another folder of module bundles (repeatable)")
         ->allow_extra_args(false)
         ->check(CLI::ExistingDirectory);
-    app.add_flag("--json", options.json, "Results, warnings and errors as JSON objects, one per line");
+    app.add_flag("--json", options.json,
+                 "Results, warnings and errors as JSON objects, one per line");
     app.add_flag("--list", options.list, "List every builtin with its module");
-    app.add_option("--describe", options.describe, "Show a builtin's variant lists and the lint's findings");
-    app.add_option("--explain", options.explain, "Evaluate a line and show, for each call, how its variant was chosen");
-    app.add_option("--threads", options.threads, "The most worker threads of element-wise loops")->check(CLI::PositiveNumber);
+    app.add_option("--describe", options.describe,
+                   "Show a builtin's variant lists and the lint's findings");
+    app.add_option("--explain", options.explain,
+                   "Evaluate a line and show, for each call, how its variant was chosen");
+    app.add_option("--threads", options.threads, "The most worker threads of element-wise loops")
+        ->check(CLI::PositiveNumber);
     CLI11_PARSE(app, argc, argv);
     bool afterSeparator = false;
     for (const std::string& argument : app.remaining()) {
@@ -138,11 +150,13 @@ int main(int argc, char** argv) {
 
     std::optional<oneapi::tbb::global_control> threads;
     if (options.threads > 0) {
-        threads.emplace(oneapi::tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(options.threads));
+        threads.emplace(oneapi::tbb::global_control::max_allowed_parallelism,
+                        static_cast<std::size_t>(options.threads));
     }
     try {
         foundation::cppmicroservices::createFramework();
-        std::vector<fl::filesystem::path> folders{Norvane::builtin::declare::builtinServicesFolder()};
+        std::vector<fl::filesystem::path> folders{
+            Norvane::builtin::declare::builtinServicesFolder()};
         for (const std::string& folder : options.moduleFolders) folders.push_back(folderOf(folder));
         const auto modules = Norvane::builtin::declare::ModuleDirectory::start(folders);
         showStringsAsText();

@@ -23,10 +23,10 @@ class IOrroBuiltinEnvironment;
 // 32 bits. Values above CanThrowOrroInternal may arrive from outside and are not errors of
 // their own: a wrapper calls nothing for them.
 enum class JIT_CALLING_CONVENTION : std::uint32_t {
-  Direct = 0,
-  DirectWithDescriptor = 1,
-  CanThrow = 2,
-  CanThrowOrroInternal = 3,
+    Direct = 0,
+    DirectWithDescriptor = 1,
+    CanThrow = 2,
+    CanThrowOrroInternal = 3,
 };
 
 namespace detail {
@@ -36,19 +36,19 @@ struct NativeFunction;
 
 template <class R, class... A>
 struct NativeFunction<JIT_CALLING_CONVENTION::Direct, R, A...> {
-  using type = R (*)(A...);
+    using type = R (*)(A...);
 };
 
 template <class R, class... A>
 struct NativeFunction<JIT_CALLING_CONVENTION::DirectWithDescriptor, R, A...> {
-  using type = R (*)(A..., OrroFunctionDescriptor*);
+    using type = R (*)(A..., OrroFunctionDescriptor*);
 };
 
 // The out argument exists also without an output; it is then a null pointer.
 template <class R, class... A>
 struct NativeFunction<JIT_CALLING_CONVENTION::CanThrow, R, A...> {
-  using Out = std::conditional_t<std::is_void_v<R>, void*, R*>;
-  using type = bool (*)(A..., Out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*);
+    using Out = std::conditional_t<std::is_void_v<R>, void*, R*>;
+    using type = bool (*)(A..., Out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*);
 };
 
 }  // namespace detail

@@ -50,21 +50,20 @@ namespace Norvane::builtin::builtinreg::detail {
 // (0 to 12) hold one: out * 16 + in0 = 17 * k, out * 256 + in0 * 16 + in1 = 273 * k. Any other
 // position calls nothing, leaves `pending` alone and returns the default Parameter.
 BUILTIN_API Parameter elementWiseInlineC(OrroFunctionDescriptor* const descriptor,
-                                         IOrroBuiltinEnvironment* const environment,
-                                         bool& pending, const ParameterList& arguments,
-                                         const ParameterTypes* tag, std::size_t out,
-                                         std::size_t in0);
+                                         IOrroBuiltinEnvironment* const environment, bool& pending,
+                                         const ParameterList& arguments, const ParameterTypes* tag,
+                                         std::size_t out, std::size_t in0);
 BUILTIN_API Parameter elementWiseInlineC(OrroFunctionDescriptor* const descriptor,
-                                         IOrroBuiltinEnvironment* const environment,
-                                         bool& pending, const ParameterList& arguments,
-                                         const ParameterTypes* tag, std::size_t out,
-                                         std::size_t in0, std::size_t in1);
+                                         IOrroBuiltinEnvironment* const environment, bool& pending,
+                                         const ParameterList& arguments, const ParameterTypes* tag,
+                                         std::size_t out, std::size_t in0, std::size_t in1);
 
 // The lifted entry itself at one of those positions, or null elsewhere: a declaration takes it
 // once, so that each call goes straight to the entry instead of through the selector.
-BUILTIN_API TypedEntry getElementWiseEntry(const ParameterTypes* tag, std::size_t out, std::size_t in0);
-BUILTIN_API TypedEntry getElementWiseEntry(const ParameterTypes* tag, std::size_t out, std::size_t in0,
-                                           std::size_t in1);
+BUILTIN_API TypedEntry getElementWiseEntry(const ParameterTypes* tag, std::size_t out,
+                                           std::size_t in0);
+BUILTIN_API TypedEntry getElementWiseEntry(const ParameterTypes* tag, std::size_t out,
+                                           std::size_t in0, std::size_t in1);
 
 // The dimensions of an unboxed scalar, {1, 1}, for the whole process.
 BUILTIN_API const std::span<std::size_t>& getScalarDims();
@@ -84,17 +83,16 @@ BUILTIN_API void assertElementwiseDimensions(const std::size_t* first, const std
 // The typed entry of an element-wise variant whose kernel takes Inputs (1 or 2) values of T and
 // returns a T.
 template <class T, std::size_t Inputs>
-Parameter elementWiseEntry(OrroFunctionDescriptor* descriptor,
-                           IOrroBuiltinEnvironment* environment, bool& pending,
-                           const ParameterList& arguments) {
-  static_assert(Inputs == 1 || Inputs == 2, "a kernel is lifted over one input or two");
-  constexpr std::size_t k = parameterIndexOf<T>;
-  static_assert(k < parameterIndexOf<kaArray_tag*>, "only numeric kernels are lifted");
-  if constexpr (Inputs == 1) {
-    return elementWiseInlineC(descriptor, environment, pending, arguments, nullptr, k, k);
-  } else {
-    return elementWiseInlineC(descriptor, environment, pending, arguments, nullptr, k, k, k);
-  }
+Parameter elementWiseEntry(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
+                           bool& pending, const ParameterList& arguments) {
+    static_assert(Inputs == 1 || Inputs == 2, "a kernel is lifted over one input or two");
+    constexpr std::size_t k = parameterIndexOf<T>;
+    static_assert(k < parameterIndexOf<kaArray_tag*>, "only numeric kernels are lifted");
+    if constexpr (Inputs == 1) {
+        return elementWiseInlineC(descriptor, environment, pending, arguments, nullptr, k, k);
+    } else {
+        return elementWiseInlineC(descriptor, environment, pending, arguments, nullptr, k, k, k);
+    }
 }
 
 }  // namespace Norvane::builtin::builtinreg::detail

@@ -15,29 +15,29 @@ namespace Norvane::orro {
 class IOrroBuiltinAccessors;
 
 class BUILTIN_API IOrroBuiltinEnvironment {
- public:
-  virtual ~IOrroBuiltinEnvironment();  // slot 0
-  // May return null where reports cannot be taken.
-  virtual IOrroBuiltinAccessors* GetOrroBuiltinAccessors() = 0;  // slot 1
+public:
+    virtual ~IOrroBuiltinEnvironment();  // slot 0
+    // May return null where reports cannot be taken.
+    virtual IOrroBuiltinAccessors* GetOrroBuiltinAccessors() = 0;  // slot 1
 
- protected:
-  IOrroBuiltinEnvironment() = default;
-  IOrroBuiltinEnvironment(const IOrroBuiltinEnvironment&) = default;
-  IOrroBuiltinEnvironment& operator=(const IOrroBuiltinEnvironment&) = default;
+protected:
+    IOrroBuiltinEnvironment() = default;
+    IOrroBuiltinEnvironment(const IOrroBuiltinEnvironment&) = default;
+    IOrroBuiltinEnvironment& operator=(const IOrroBuiltinEnvironment&) = default;
 };
 
 class BUILTIN_API IOrroBuiltinAccessors {
- public:
-  virtual ~IOrroBuiltinAccessors();  // slot 0
-  // Records one warning whose text is already formatted.
-  virtual void AddWarningMessage(const std::u16string& message) = 0;  // slot 1
-  // Records the exception being handled; call it only inside a catch handler.
-  virtual void SetInternalPendingException() = 0;  // slot 2
+public:
+    virtual ~IOrroBuiltinAccessors();  // slot 0
+    // Records one warning whose text is already formatted.
+    virtual void AddWarningMessage(const std::u16string& message) = 0;  // slot 1
+    // Records the exception being handled; call it only inside a catch handler.
+    virtual void SetInternalPendingException() = 0;  // slot 2
 
- protected:
-  IOrroBuiltinAccessors() = default;
-  IOrroBuiltinAccessors(const IOrroBuiltinAccessors&) = default;
-  IOrroBuiltinAccessors& operator=(const IOrroBuiltinAccessors&) = default;
+protected:
+    IOrroBuiltinAccessors() = default;
+    IOrroBuiltinAccessors(const IOrroBuiltinAccessors&) = default;
+    IOrroBuiltinAccessors& operator=(const IOrroBuiltinAccessors&) = default;
 };
 
 }  // namespace Norvane::orro

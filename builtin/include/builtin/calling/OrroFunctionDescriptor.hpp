@@ -25,9 +25,9 @@ using TypedEntry = Parameter (*)(OrroFunctionDescriptor* descriptor,
 using NativeEntry = void (*)();
 
 struct OrroFunctionDescriptor {
-  TypedEntry typedEntry = nullptr;    // null for a default implementation
-  NativeEntry nativeEntry = nullptr;  // an array function in a default implementation
-  JIT_CALLING_CONVENTION callingConvention = JIT_CALLING_CONVENTION::CanThrow;
+    TypedEntry typedEntry = nullptr;    // null for a default implementation
+    NativeEntry nativeEntry = nullptr;  // an array function in a default implementation
+    JIT_CALLING_CONVENTION callingConvention = JIT_CALLING_CONVENTION::CanThrow;
 };
 
 }  // namespace Norvane::orro

@@ -22,37 +22,37 @@ namespace Norvane::builtin::builtinreg::detail {
 
 class BUILTIN_API ParallelEnvironment : public IOrroBuiltinEnvironment,
                                         public IOrroBuiltinAccessors {
- public:
-  // Neither pointer is owned; either may be null. *pendingOut is not touched here.
-  ParallelEnvironment(IOrroBuiltinEnvironment* const parent, bool* const pendingOut);
-  ParallelEnvironment(const ParallelEnvironment&) = delete;
-  ParallelEnvironment& operator=(const ParallelEnvironment&) = delete;
+public:
+    // Neither pointer is owned; either may be null. *pendingOut is not touched here.
+    ParallelEnvironment(IOrroBuiltinEnvironment* const parent, bool* const pendingOut);
+    ParallelEnvironment(const ParallelEnvironment&) = delete;
+    ParallelEnvironment& operator=(const ParallelEnvironment&) = delete;
 
-  // Hands the reports over to the parent's accessors and sets *pendingOut to whether the parent
-  // got anything. With no parent, or a parent without accessors, the reports are dropped and
-  // *pendingOut is left alone. Never throws: a failure of the parent while it takes the
-  // warnings reaches it as its pending exception instead, and the rest is dropped.
-  ~ParallelEnvironment() override;
+    // Hands the reports over to the parent's accessors and sets *pendingOut to whether the parent
+    // got anything. With no parent, or a parent without accessors, the reports are dropped and
+    // *pendingOut is left alone. Never throws: a failure of the parent while it takes the
+    // warnings reaches it as its pending exception instead, and the rest is dropped.
+    ~ParallelEnvironment() override;
 
-  // This object itself; never null, takes no lock.
-  IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override;
-  // Safe from any thread.
-  void AddWarningMessage(const std::u16string& message) override;
-  // Call it inside a catch handler, from any thread. The first exception reported is kept; later
-  // ones are dropped.
-  void SetInternalPendingException() override;
+    // This object itself; never null, takes no lock.
+    IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override;
+    // Safe from any thread.
+    void AddWarningMessage(const std::u16string& message) override;
+    // Call it inside a catch handler, from any thread. The first exception reported is kept; later
+    // ones are dropped.
+    void SetInternalPendingException() override;
 
-  // Whether an exception has been reported so far.
-  bool containsException() const;
+    // Whether an exception has been reported so far.
+    bool containsException() const;
 
- private:
-  void handOver(IOrroBuiltinAccessors& accessors) noexcept;
+private:
+    void handOver(IOrroBuiltinAccessors& accessors) noexcept;
 
-  IOrroBuiltinEnvironment* const parent_;
-  bool* const pendingOut_;
-  mutable std::mutex mutex_;  // guards warnings_ and exception_, and nothing else
-  std::vector<std::u16string> warnings_;
-  std::exception_ptr exception_;
+    IOrroBuiltinEnvironment* const parent_;
+    bool* const pendingOut_;
+    mutable std::mutex mutex_;  // guards warnings_ and exception_, and nothing else
+    std::vector<std::u16string> warnings_;
+    std::exception_ptr exception_;
 };
 
 }  // namespace Norvane::builtin::builtinreg::detail

@@ -29,24 +29,24 @@ namespace Norvane::orro {
 
 // The sixteen alternatives as a type list, in `which` order. The exported selectors take a null
 // pointer to it as a tag.
-using ParameterTypes = boost::mpl::vector<
-    std::uint64_t,              //  0 unsigned __int64
-    double,                     //  1
-    float,                      //  2
-    bool,                       //  3
-    signed char,                //  4
-    short,                      //  5
-    int,                        //  6
-    std::int64_t,               //  7 __int64
-    unsigned char,              //  8
-    unsigned short,             //  9 also a 16-bit character code unit
-    unsigned int,               // 10
-    std::complex<double>,       // 11
-    std::complex<float>,        // 12
-    kaArray_tag*,               // 13 carries one counted reference, owned by the receiver
-    Norvane::String::String*,   // 14 not owned
-    Norvane::orro::OrroObject*  // 15 not owned
-    >;
+using ParameterTypes =
+    boost::mpl::vector<std::uint64_t,         //  0 unsigned __int64
+                       double,                //  1
+                       float,                 //  2
+                       bool,                  //  3
+                       signed char,           //  4
+                       short,                 //  5
+                       int,                   //  6
+                       std::int64_t,          //  7 __int64
+                       unsigned char,         //  8
+                       unsigned short,        //  9 also a 16-bit character code unit
+                       unsigned int,          // 10
+                       std::complex<double>,  // 11
+                       std::complex<float>,   // 12
+                       kaArray_tag*,  // 13 carries one counted reference, owned by the receiver
+                       Norvane::String::String*,   // 14 not owned
+                       Norvane::orro::OrroObject*  // 15 not owned
+                       >;
 
 // A plain value: copying copies a number or a pointer and nothing is ever released by it.
 // A default Parameter is alternative 0 with value 0.
@@ -66,13 +66,13 @@ namespace detail {
 
 template <class T>
 constexpr std::size_t findParameterIndex() {
-  if constexpr (std::is_void_v<T>) {
-    return noOutputIndex;
-  } else {
-    using Position = typename boost::mpl::find<ParameterTypes, T>::type::pos;
-    static_assert(Position::value < parameterTypeCount, "T is not an alternative of Parameter");
-    return Position::value;
-  }
+    if constexpr (std::is_void_v<T>) {
+        return noOutputIndex;
+    } else {
+        using Position = typename boost::mpl::find<ParameterTypes, T>::type::pos;
+        static_assert(Position::value < parameterTypeCount, "T is not an alternative of Parameter");
+        return Position::value;
+    }
 }
 
 template <class Types, std::size_t Index>
@@ -80,8 +80,8 @@ using TypeAt = typename boost::mpl::at_c<Types, static_cast<long>(Index)>::type;
 
 template <std::size_t Index, class T>
 constexpr bool holdsAt() {
-  return std::is_same_v<TypeAt<ParameterTypes, Index>, T> &&
-         std::is_same_v<TypeAt<Parameter::types, Index>, T>;
+    return std::is_same_v<TypeAt<ParameterTypes, Index>, T> &&
+           std::is_same_v<TypeAt<Parameter::types, Index>, T>;
 }
 
 }  // namespace detail
@@ -98,14 +98,16 @@ using ParameterAlternative = detail::TypeAt<ParameterTypes, Index>;
 static_assert(boost::mpl::size<ParameterTypes>::value == parameterTypeCount);
 static_assert(boost::mpl::size<Parameter::types>::value == parameterTypeCount);
 static_assert(detail::holdsAt<0, std::uint64_t>() && detail::holdsAt<1, double>() &&
-              detail::holdsAt<2, float>() && detail::holdsAt<3, bool>() &&
-              detail::holdsAt<4, signed char>() && detail::holdsAt<5, short>() &&
-              detail::holdsAt<6, int>() && detail::holdsAt<7, std::int64_t>() &&
-              detail::holdsAt<8, unsigned char>() && detail::holdsAt<9, unsigned short>() &&
-              detail::holdsAt<10, unsigned int>() && detail::holdsAt<11, std::complex<double>>() &&
-              detail::holdsAt<12, std::complex<float>>() && detail::holdsAt<13, kaArray_tag*>() &&
-              detail::holdsAt<14, Norvane::String::String*>() &&
-              detail::holdsAt<15, Norvane::orro::OrroObject*>(),
+                  detail::holdsAt<2, float>() && detail::holdsAt<3, bool>() &&
+                  detail::holdsAt<4, signed char>() && detail::holdsAt<5, short>() &&
+                  detail::holdsAt<6, int>() && detail::holdsAt<7, std::int64_t>() &&
+                  detail::holdsAt<8, unsigned char>() && detail::holdsAt<9, unsigned short>() &&
+                  detail::holdsAt<10, unsigned int>() &&
+                  detail::holdsAt<11, std::complex<double>>() &&
+                  detail::holdsAt<12, std::complex<float>>() &&
+                  detail::holdsAt<13, kaArray_tag*>() &&
+                  detail::holdsAt<14, Norvane::String::String*>() &&
+                  detail::holdsAt<15, Norvane::orro::OrroObject*>(),
               "the alternatives of Parameter are out of their stored order");
 static_assert(sizeof(std::uint64_t) == 8 && sizeof(std::int64_t) == 8);
 

@@ -2,8 +2,9 @@
 // table: Row<double>, Column<std::int8_t>, Matrix<std::complex<float>>, Empty<bool>,
 // NdArray<double>, ScalarArray<matrix::cell> (a 1-by-1 array of an element that has no unboxed
 // scalar) and Sparse<double>; and Array<T>, a full array of T in any shape, 1-by-1 included,
-// which a declaration always takes relaxed. Each is the typed view of the array library, checked once when
-// the argument arrives; which arrays reach it is decided by matching against the shape's type.
+// which a declaration always takes relaxed. Each is the typed view of the array library, checked
+// once when the argument arrives; which arrays reach it is decided by matching against the shape's
+// type.
 //
 // A view neither owns its array nor takes a reference: the entry that built it holds the
 // array until the native function returns. Keep neither the view nor its data beyond the call.

@@ -54,12 +54,14 @@ struct FunctionRecord {
 template <class Fn, class... B>
 void addBoxingOf(std::vector<BoxingRecord>& records, const option::Boxed<B...>&) {
     using S = Signature<Fn>;
-    records.push_back({BoxingEntry<Fn, typename S::Output, typename S::Inputs, TypeList<B...>>::entry,
-                       {ParameterTraits<B>::getter(0)...}});
+    records.push_back(
+        {BoxingEntry<Fn, typename S::Output, typename S::Inputs, TypeList<B...>>::entry,
+         {ParameterTraits<B>::getter(0)...}});
 }
 
 // Sets the tolerance RELAXED at the positions marked open, in every signature.
-BUILTIN_API void relaxOpenParameters(builtinreg::ArgTypes& signatures, std::initializer_list<bool> open);
+BUILTIN_API void relaxOpenParameters(builtinreg::ArgTypes& signatures,
+                                     std::initializer_list<bool> open);
 
 template <class T>
 constexpr types::ArgTypeGetter outputGetter() {
@@ -81,31 +83,33 @@ struct Declared<Fn, TypeList<Inputs...>> {
     using Output = typename S::Output;
 
     static builtinreg::ArgTypes signatures(types::SignatureTolerance tolerance) {
-        builtinreg::ArgTypes made = builtinreg::getArgTypes(tolerance, {ParameterTraits<Inputs>::count...},
-                                                            {ParameterTraits<Inputs>::getter...},
-                                                            outputGetter<Output>());
+        builtinreg::ArgTypes made =
+            builtinreg::getArgTypes(tolerance, {ParameterTraits<Inputs>::count...},
+                                    {ParameterTraits<Inputs>::getter...}, outputGetter<Output>());
         relaxOpenParameters(made, {alwaysRelaxed<Inputs>()...});
         return made;
     }
 
     // The library's wrapper where the types pass as they are, else the module's own entry.
     static TypedEntry plainEntry() {
-        if constexpr (sizeof...(Inputs) <= 2 && (passesAsItIs<Inputs>() && ...) && passesAsItIs<Output>()) {
-            return builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<Output>,
-                                                                    parameterIndexOf<Inputs>...);
+        if constexpr (sizeof...(Inputs) <= 2 && (passesAsItIs<Inputs>() && ...) &&
+                      passesAsItIs<Output>()) {
+            return builtinreg::detail::getExportedInlineCWrapperFcn(
+                nullptr, parameterIndexOf<Output>, parameterIndexOf<Inputs>...);
         } else {
             return ConvertingEntry<Fn, Output, TypeList<Inputs...>>::entry;
         }
     }
 
     static TypedEntry liftedEntry() {
-        static_assert(sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 2 && (std::is_same_v<Inputs, Output> && ...) &&
-                          detail::isUnboxedNumber<Output> && !std::is_same_v<Output, char16_t>,
-                      "an element-wise kernel is T f(T) or T f(T, T) with T one of the unboxed numbers");
+        static_assert(
+            sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 2 &&
+                (std::is_same_v<Inputs, Output> && ...) && detail::isUnboxedNumber<Output> &&
+                !std::is_same_v<Output, char16_t>,
+            "an element-wise kernel is T f(T) or T f(T, T) with T one of the unboxed numbers");
         return builtinreg::detail::getElementWiseEntry(nullptr, parameterIndexOf<Output>,
                                                        parameterIndexOf<Inputs>...);
     }
-
 };
 
 template <class D, bool Lifted>
@@ -123,8 +127,8 @@ BUILTIN_API void addFunction(std::vector<BuiltinVariant>& variants, const std::s
                              FunctionRecord&& record, const Options& options);
 
 // The default variant of an array function, wrapped in the guards of its declarations.
-BUILTIN_API BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function, const std::string& name,
-                                            const Options& options);
+BUILTIN_API BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function,
+                                            const std::string& name, const Options& options);
 
 }  // namespace detail
 

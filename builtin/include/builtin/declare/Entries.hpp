@@ -102,15 +102,18 @@ struct BoxingEntry;
 
 template <class Fn, class Output, class... Inputs, class... Boxed>
 struct BoxingEntry<Fn, Output, TypeList<Inputs...>, TypeList<Boxed...>> {
-    static_assert(sizeof...(Inputs) == sizeof...(Boxed), "a boxing declaration names one type per input");
+    static_assert(sizeof...(Inputs) == sizeof...(Boxed),
+                  "a boxing declaration names one type per input");
 
     static Parameter entry(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
                            bool& pending, const ParameterList& arguments) {
         pending = false;
         try {
             CallHolders created;
-            ParameterList boxedArguments = convert(arguments, created, std::index_sequence_for<Inputs...>());
-            return callConverted<Fn, Output, Inputs...>(descriptor, environment, pending, boxedArguments,
+            ParameterList boxedArguments =
+                convert(arguments, created, std::index_sequence_for<Inputs...>());
+            return callConverted<Fn, Output, Inputs...>(descriptor, environment, pending,
+                                                        boxedArguments,
                                                         std::index_sequence_for<Inputs...>());
         } catch (...) {
             builtinreg::detail::handleBoxingException(pending, environment);
@@ -119,7 +122,8 @@ struct BoxingEntry<Fn, Output, TypeList<Inputs...>, TypeList<Boxed...>> {
     }
 
     template <std::size_t... I>
-    static ParameterList convert(const ParameterList& arguments, CallHolders& created, std::index_sequence<I...>) {
+    static ParameterList convert(const ParameterList& arguments, CallHolders& created,
+                                 std::index_sequence<I...>) {
         ParameterList converted;
         (converted.push_back(boxedArgument<Boxed, Inputs>(arguments[I], created)), ...);
         return converted;

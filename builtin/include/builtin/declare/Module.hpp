@@ -76,7 +76,9 @@ BUILTIN_API void startModule(cppmicroservices::BundleContext& context, const std
 template <const char* Name, void (*Declare)(Module&)>
 class ModuleActivator final : public cppmicroservices::BundleActivator {
 public:
-    void Start(cppmicroservices::BundleContext context) override { startModule(context, Name, Declare); }
+    void Start(cppmicroservices::BundleContext context) override {
+        startModule(context, Name, Declare);
+    }
     void Stop(cppmicroservices::BundleContext) override {}
 };
 
@@ -84,10 +86,10 @@ public:
 
 }  // namespace Norvane::builtin::declare
 
-#define KELDOR_BUILTIN_MODULE(NAME, DECLARE)                                                   \
-    namespace {                                                                                \
-    constexpr char keldorBuiltinModuleName[] = NAME;                                           \
-    using KeldorBuiltinModuleActivator =                                                       \
+#define KELDOR_BUILTIN_MODULE(NAME, DECLARE)                                                     \
+    namespace {                                                                                  \
+    constexpr char keldorBuiltinModuleName[] = NAME;                                             \
+    using KeldorBuiltinModuleActivator =                                                         \
         ::Norvane::builtin::declare::detail::ModuleActivator<keldorBuiltinModuleName, &DECLARE>; \
-    }                                                                                          \
+    }                                                                                            \
     CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(KeldorBuiltinModuleActivator)

@@ -35,13 +35,15 @@ BUILTIN_API types::OrroObjectRuntimeInfo runtimeInfoOf(const std::type_info& typ
 
 // The type of objects of the class and variant, for signatures; the class id is asked by name
 // once, when the first signature names the class.
-BUILTIN_API types::ArgType objectArgType(const std::type_info& type, std::size_t (*manifestVariant)());
+BUILTIN_API types::ArgType objectArgType(const std::type_info& type,
+                                         std::size_t (*manifestVariant)());
 
 }  // namespace detail
 
 template <class C>
 struct OrroObjectId {
-    static_assert(std::is_base_of_v<Norvane::orro::OrroObject, C>, "an object type derives from OrroObject");
+    static_assert(std::is_base_of_v<Norvane::orro::OrroObject, C>,
+                  "an object type derives from OrroObject");
 
     static std::size_t manifestVariantId() { return detail::runtimeInfoOf(typeid(C)).variantId; }
     static std::string className() { return detail::runtimeInfoOf(typeid(C)).kaClassName; }
@@ -63,7 +65,9 @@ struct ParameterTraits<C*, std::enable_if_t<std::is_base_of_v<Norvane::orro::Orr
     static C* from(const Parameter& argument, CallHolders&) {
         return static_cast<C*>(boost::get<Norvane::orro::OrroObject*>(argument));
     }
-    static Parameter toParameter(C* value) { return Parameter(static_cast<Norvane::orro::OrroObject*>(value)); }
+    static Parameter toParameter(C* value) {
+        return Parameter(static_cast<Norvane::orro::OrroObject*>(value));
+    }
 };
 
 }  // namespace Norvane::builtin::declare

@@ -98,10 +98,16 @@ constexpr option::Boxed<B...> boxed() {
     return {};
 }
 // A literal flag ('even', 'rows') at a position of the final input list, counting the flags.
-inline option::Flag flag(std::size_t position, std::string text) { return {position, std::move(text)}; }
+inline option::Flag flag(std::size_t position, std::string text) {
+    return {position, std::move(text)};
+}
 // The name of the native function in logs and diagnostics; the builtin's name by default.
-inline option::CppName cppName(std::string name) { return {std::move(name)}; }
+inline option::CppName cppName(std::string name) {
+    return {std::move(name)};
+}
 // The class on whose behalf the function runs ("double"); empty by default.
-inline option::DominantClass dominantClass(std::string name) { return {std::move(name)}; }
+inline option::DominantClass dominantClass(std::string name) {
+    return {std::move(name)};
+}
 
 }  // namespace Norvane::builtin::declare

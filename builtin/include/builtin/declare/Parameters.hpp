@@ -61,14 +61,16 @@ inline const kaArray_tag* holdArray(const Parameter& argument, CallHolders& hold
 
 // The element types whose 1-by-1 arrays classify as unboxed numbers.
 template <class T>
-constexpr bool isUnboxedNumber = std::is_arithmetic_v<T> || std::is_same_v<T, std::complex<double>> ||
-                                 std::is_same_v<T, std::complex<float>>;
+constexpr bool isUnboxedNumber =
+    std::is_arithmetic_v<T> || std::is_same_v<T, std::complex<double>> ||
+    std::is_same_v<T, std::complex<float>>;
 
 // The unboxed numbers that are alternatives of Parameter themselves (char16_t is not: it travels
 // as unsigned short).
 template <class T>
 constexpr bool isNumericAlternative() {
-    if constexpr (isUnboxedNumber<T> && !std::is_same_v<T, char16_t> && boost::mpl::contains<ParameterTypes, T>::value) {
+    if constexpr (isUnboxedNumber<T> && !std::is_same_v<T, char16_t> &&
+                  boost::mpl::contains<ParameterTypes, T>::value) {
         return parameterIndexOf<T> < parameterIndexOf<kaArray_tag*>;
     } else {
         return false;
@@ -85,7 +87,8 @@ template <class T>
 struct ParameterTraits<T, std::enable_if_t<detail::isNumericAlternative<T>()>> {
     using Arrives = T;
     static constexpr std::size_t count = 1;
-    static constexpr types::ArgTypeGetter getter = &types::getNativeArgType<T, types::NativeShape::SCALAR>;
+    static constexpr types::ArgTypeGetter getter =
+        &types::getNativeArgType<T, types::NativeShape::SCALAR>;
     static T from(const Parameter& argument, CallHolders&) { return boost::get<T>(argument); }
     static Parameter toParameter(T value) { return Parameter(value); }
 };
@@ -94,11 +97,14 @@ template <>
 struct ParameterTraits<char16_t> {
     using Arrives = unsigned short;
     static constexpr std::size_t count = 1;
-    static constexpr types::ArgTypeGetter getter = &types::getNativeArgType<char16_t, types::NativeShape::SCALAR>;
+    static constexpr types::ArgTypeGetter getter =
+        &types::getNativeArgType<char16_t, types::NativeShape::SCALAR>;
     static char16_t from(const Parameter& argument, CallHolders&) {
         return static_cast<char16_t>(boost::get<unsigned short>(argument));
     }
-    static Parameter toParameter(char16_t value) { return Parameter(static_cast<unsigned short>(value)); }
+    static Parameter toParameter(char16_t value) {
+        return Parameter(static_cast<unsigned short>(value));
+    }
 };
 
 template <>
@@ -160,7 +166,8 @@ template <class T>
 struct ParameterTraits<Sparse<T>> {
     using Arrives = kaArray_tag*;
     static constexpr std::size_t count = 1;
-    static constexpr types::ArgTypeGetter getter = &types::getNativeArgType<T, types::NativeShape::SPARSE>;
+    static constexpr types::ArgTypeGetter getter =
+        &types::getNativeArgType<T, types::NativeShape::SPARSE>;
     static Sparse<T> from(const Parameter& argument, CallHolders& holders) {
         return Sparse<T>(detail::holdArray(argument, holders));
     }
@@ -168,8 +175,9 @@ struct ParameterTraits<Sparse<T>> {
 
 // The string family. The array moves into the holders, which the string traits expect.
 template <class S>
-struct ParameterTraits<S, std::enable_if_t<std::is_same_v<S, std::u16string> || std::is_same_v<S, std::string> ||
-                                           std::is_same_v<S, std::u16string_view>>> {
+struct ParameterTraits<
+    S, std::enable_if_t<std::is_same_v<S, std::u16string> || std::is_same_v<S, std::string> ||
+                        std::is_same_v<S, std::u16string_view>>> {
     using Arrives = kaArray_tag*;
     static constexpr std::size_t count = types::nativeStringArgTypeCount;
     // A live scalar string is a flag or a string type, which only a relaxed array type takes.
@@ -195,11 +203,13 @@ struct ParameterTraits<ScalarString> {
     static constexpr std::size_t count = 1;
     static const types::ArgType& getArgType(std::size_t index) {
         if (index != 0) types::detail::throwInvalidSubscript();
-        return types::TypeTraitsImpl<const types::detail::ScalarKeldorStringPlaceholder*>::getArgType();
+        return types::TypeTraitsImpl<
+            const types::detail::ScalarKeldorStringPlaceholder*>::getArgType();
     }
     static constexpr types::ArgTypeGetter getter = &getArgType;
     static ScalarString from(const Parameter& argument, CallHolders& holders) {
-        return {types::TypeTraitsImpl<std::u16string_view>()(boost::get<kaArray_tag*>(argument), holders)};
+        return {types::TypeTraitsImpl<std::u16string_view>()(boost::get<kaArray_tag*>(argument),
+                                                             holders)};
     }
 };
 
@@ -217,7 +227,8 @@ constexpr bool alwaysRelaxed() {
 // What happens to a converted argument just before the call; for most types nothing.
 template <class T>
 void handOver(T& value) {
-    if constexpr (requires { ParameterTraits<T>::handOver(value); }) ParameterTraits<T>::handOver(value);
+    if constexpr (requires { ParameterTraits<T>::handOver(value); })
+        ParameterTraits<T>::handOver(value);
 }
 
 // Whether T reaches a wrapper of the library's family as it is: it is the alternative itself.

@@ -35,8 +35,8 @@ struct unassignedOutputs : foundation::core::except::MessageId {
 namespace Norvane::builtin {
 
 using UnassignedOutputsException =
-    foundation::core::except::Exception<KELDOR::legacy_two_part::unassignedOutputs,
-                                        std::exception, void>;
+    foundation::core::except::Exception<KELDOR::legacy_two_part::unassignedOutputs, std::exception,
+                                        void>;
 
 // Returns if none of plhs[0] to plhs[nlhs-1] is null. Otherwise destroys those that are not,
 // sets all of them to null, and throws UnassignedOutputsException with the function's name:

@@ -35,8 +35,9 @@ BUILTIN_API Norvane::orro::OrroObject& fromKaArray(const kaArray_tag* array);
 
 // Adds a method to a class of the class system. Needs the provider: throws std::runtime_error
 // without one.
-BUILTIN_API void addMethod(zobj::ZobjClass* cls, const std::string& first, const std::string& second,
-                           const zobj::MemberAccess& access, bool flag1, bool flag2, bool flag3);
+BUILTIN_API void addMethod(zobj::ZobjClass* cls, const std::string& first,
+                           const std::string& second, const zobj::MemberAccess& access, bool flag1,
+                           bool flag2, bool flag3);
 
 // Hands the provider a finder of callable function objects. Needs the provider: throws
 // std::runtime_error without one.

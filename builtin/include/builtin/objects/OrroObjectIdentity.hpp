@@ -33,7 +33,8 @@ BUILTIN_API kaClassID getOrroObjectClassID(const char* name);
 // compiled-in class id would differ between interpreter instances. `name` is not used.
 BUILTIN_API void assertOrroObjectHasExpectedClassID(kaClassID classId, const std::string& name);
 
-// Does nothing; registration goes through the helpers of <builtin/objects/OrroObjectRegistration.hpp>.
+// Does nothing; registration goes through the helpers of
+// <builtin/objects/OrroObjectRegistration.hpp>.
 BUILTIN_API void registerOrroObject(std::pair<kaClassID, std::size_t> objectType);
 
 }  // namespace Norvane::builtin::types::detail

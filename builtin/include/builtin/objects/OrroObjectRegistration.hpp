@@ -55,7 +55,7 @@ namespace detail {
 // Stops the process: a function offered for indexing has a variant whose calling convention
 // the module cannot use.
 [[noreturn]] BUILTIN_API void assertInvalidCallingConvention(const std::string& functionName,
-                                                            const BuiltinVariant& variant);
+                                                             const BuiltinVariant& variant);
 
 }  // namespace detail
 }  // namespace builtinreg

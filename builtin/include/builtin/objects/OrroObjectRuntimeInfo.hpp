@@ -23,8 +23,8 @@ namespace Norvane::builtin::types {
 
 // What a manifest says of one native class.
 struct OrroObjectRuntimeInfo {
-    std::string kaClassName;     // the language-level class that stands for the native class
-    std::size_t variantId = 0;   // the native class among those behind kaClassName
+    std::string kaClassName;    // the language-level class that stands for the native class
+    std::size_t variantId = 0;  // the native class among those behind kaClassName
 
     friend bool operator==(const OrroObjectRuntimeInfo&, const OrroObjectRuntimeInfo&) = default;
 };
@@ -32,13 +32,15 @@ struct OrroObjectRuntimeInfo {
 // A manifest entry that could not be stored; what() says which entry and why.
 class BUILTIN_API SaveOrroObjectRuntimeInfoError : public std::logic_error {
 public:
-    explicit SaveOrroObjectRuntimeInfoError(const std::string& message) : std::logic_error(message) {}
+    explicit SaveOrroObjectRuntimeInfoError(const std::string& message)
+        : std::logic_error(message) {}
 };
 
 // A native class that is not in the table; what() lists the classes that are.
 class BUILTIN_API GetOrroObjectRuntimeInfoError : public std::logic_error {
 public:
-    explicit GetOrroObjectRuntimeInfoError(const std::string& message) : std::logic_error(message) {}
+    explicit GetOrroObjectRuntimeInfoError(const std::string& message)
+        : std::logic_error(message) {}
 };
 
 // Answers for a native class name that the table does not hold; no value means "not found".

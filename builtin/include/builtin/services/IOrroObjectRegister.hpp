@@ -42,8 +42,8 @@ public:
 
     virtual void registerParenAssignVariant(kaClassID classId, std::size_t variantId,
                                             const OrroFunctionDescriptor& first,
-                                            const OrroFunctionDescriptor& second,
-                                            std::string name, NameRange names, bool flag) = 0;
+                                            const OrroFunctionDescriptor& second, std::string name,
+                                            NameRange names, bool flag) = 0;
 };
 
 }  // namespace Norvane::builtin

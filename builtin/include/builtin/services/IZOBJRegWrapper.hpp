@@ -39,7 +39,8 @@ public:
     virtual kaClassID getClassIdByName(const std::string& name) const = 0;
 
     // The engine object held by an array of a class-system class.
-    virtual Norvane::orro::OrroObject& fromKaArray(const kaArray_tag* array, bool checked) const = 0;
+    virtual Norvane::orro::OrroObject& fromKaArray(const kaArray_tag* array,
+                                                   bool checked) const = 0;
 
     // An array holding the object. `options` is 0 for the plain conversion.
     virtual OwnedArray toKaArray(Norvane::orro::OrroObject* object, unsigned options) const = 0;
@@ -56,7 +57,7 @@ public:
 
     // The engine's type of an object type, null if there is none.
     virtual const ts::iTypeExpression* getOrroObjectType(kaClassID classId,
-                                                          std::size_t variantId) const = 0;
+                                                         std::size_t variantId) const = 0;
 
     // The flag of an object array's type.
     virtual bool getObjectTypeFlag(const kaArray_tag* array) const = 0;
@@ -65,8 +66,9 @@ public:
     virtual void setZfhFinder(std::string name, ZfhFinder finder) = 0;
 
     // Adds a method to a class of the class system.
-    virtual void addMethod(zobj::ZobjClass* cls, const std::string& first, const std::string& second,
-                           const zobj::MemberAccess& access, bool flag1, bool flag2, bool flag3) = 0;
+    virtual void addMethod(zobj::ZobjClass* cls, const std::string& first,
+                           const std::string& second, const zobj::MemberAccess& access, bool flag1,
+                           bool flag2, bool flag3) = 0;
 };
 
 }  // namespace Norvane::builtin

@@ -14,7 +14,8 @@
 namespace Norvane::builtin::builtinreg {
 
 using BuiltinPath =
-    fl::filesystem::basic_path<wchar_t, char16_t, fl::filesystem::detail::path_traits<wchar_t, char16_t>>;
+    fl::filesystem::basic_path<wchar_t, char16_t,
+                               fl::filesystem::detail::path_traits<wchar_t, char16_t>>;
 
 // Calls `callback` with the IOrroObjectModuleMgr service of each module in `names`, in that
 // order. Each name is looked up anew, so a name listed twice is called twice and a service

@@ -28,11 +28,31 @@ using ArgTypeGetter = const ArgType& (*)(std::size_t index);
 
 // The 25 element types of native array views.
 enum class NativeElement : std::uint8_t {
-    INT8, UINT8, INT16, UINT16, INT32, UINT32, INT64, UINT64, SINGLE, DOUBLE, LOGICAL, CHAR,
-    COMPLEX_INT8, COMPLEX_UINT8, COMPLEX_INT16, COMPLEX_UINT16,
-    COMPLEX_INT32, COMPLEX_UINT32, COMPLEX_INT64, COMPLEX_UINT64,
-    COMPLEX_SINGLE, COMPLEX_DOUBLE,
-    CELL, STRUCT, FUNCTION_HANDLE,
+    INT8,
+    UINT8,
+    INT16,
+    UINT16,
+    INT32,
+    UINT32,
+    INT64,
+    UINT64,
+    SINGLE,
+    DOUBLE,
+    LOGICAL,
+    CHAR,
+    COMPLEX_INT8,
+    COMPLEX_UINT8,
+    COMPLEX_INT16,
+    COMPLEX_UINT16,
+    COMPLEX_INT32,
+    COMPLEX_UINT32,
+    COMPLEX_INT64,
+    COMPLEX_UINT64,
+    COMPLEX_SINGLE,
+    COMPLEX_DOUBLE,
+    CELL,
+    STRUCT,
+    FUNCTION_HANDLE,
 };
 inline constexpr std::size_t nativeElementCount = 25;
 
@@ -78,13 +98,13 @@ namespace detail {
 template <class T>
 struct NativeElementOf;
 
-#define BUILTIN_NATIVE_ELEMENT(T, E)                                    \
-    template <>                                                         \
-    struct NativeElementOf<T> {                                         \
-        static constexpr NativeElement value = NativeElement::E;        \
-    };                                                                  \
-    template <>                                                         \
-    struct NativeElementOf<std::complex<T>> {                           \
+#define BUILTIN_NATIVE_ELEMENT(T, E)                                       \
+    template <>                                                            \
+    struct NativeElementOf<T> {                                            \
+        static constexpr NativeElement value = NativeElement::E;           \
+    };                                                                     \
+    template <>                                                            \
+    struct NativeElementOf<std::complex<T>> {                              \
         static constexpr NativeElement value = NativeElement::COMPLEX_##E; \
     };
 BUILTIN_NATIVE_ELEMENT(std::int8_t, INT8)
@@ -99,11 +119,26 @@ BUILTIN_NATIVE_ELEMENT(float, SINGLE)
 BUILTIN_NATIVE_ELEMENT(double, DOUBLE)
 #undef BUILTIN_NATIVE_ELEMENT
 
-template <> struct NativeElementOf<bool> { static constexpr NativeElement value = NativeElement::LOGICAL; };
-template <> struct NativeElementOf<char16_t> { static constexpr NativeElement value = NativeElement::CHAR; };
-template <> struct NativeElementOf<matrix::cell> { static constexpr NativeElement value = NativeElement::CELL; };
-template <> struct NativeElementOf<matrix::structure> { static constexpr NativeElement value = NativeElement::STRUCT; };
-template <> struct NativeElementOf<matrix::functionhandle> { static constexpr NativeElement value = NativeElement::FUNCTION_HANDLE; };
+template <>
+struct NativeElementOf<bool> {
+    static constexpr NativeElement value = NativeElement::LOGICAL;
+};
+template <>
+struct NativeElementOf<char16_t> {
+    static constexpr NativeElement value = NativeElement::CHAR;
+};
+template <>
+struct NativeElementOf<matrix::cell> {
+    static constexpr NativeElement value = NativeElement::CELL;
+};
+template <>
+struct NativeElementOf<matrix::structure> {
+    static constexpr NativeElement value = NativeElement::STRUCT;
+};
+template <>
+struct NativeElementOf<matrix::functionhandle> {
+    static constexpr NativeElement value = NativeElement::FUNCTION_HANDLE;
+};
 
 }  // namespace detail
 

@@ -27,18 +27,14 @@ using FlagList = std::vector<std::pair<std::size_t, std::string>>;
 // Appends one variant per signature of `inputs` (each moved out) with a copy of `outputs`,
 // then removes the unsupported variants of the whole vector, inserts `flags` into every
 // variant of it and sorts it. Throws what the flags' UTF-8 conversion throws.
-BUILTIN_API void appendNewVariants(std::vector<BuiltinVariant>& variants, void* developerFunction,
-                                   BuiltinVariant::CallsIntoKeldor mayCallIntoKeldor,
-                                   BuiltinVariant::HasSideEffects mayHaveSideEffects,
-                                   std::string_view cppFunctionName,
-                                   std::string_view keldorFunctionName,
-                                   std::string_view dominantClass, const FlagList& flags,
-                                   BuiltinVariant::HasExceptions mayThrowErrors,
-                                   const OrroFunctionDescriptor& descriptor,
-                                   BuiltinVariant::IsElementWise isElementWise,
-                                   BuiltinVariant::HasWarnings mayRaiseWarnings,
-                                   std::vector<ArgType>&& outputs,
-                                   std::vector<std::vector<ArgType>>&& inputs);
+BUILTIN_API void appendNewVariants(
+    std::vector<BuiltinVariant>& variants, void* developerFunction,
+    BuiltinVariant::CallsIntoKeldor mayCallIntoKeldor,
+    BuiltinVariant::HasSideEffects mayHaveSideEffects, std::string_view cppFunctionName,
+    std::string_view keldorFunctionName, std::string_view dominantClass, const FlagList& flags,
+    BuiltinVariant::HasExceptions mayThrowErrors, const OrroFunctionDescriptor& descriptor,
+    BuiltinVariant::IsElementWise isElementWise, BuiltinVariant::HasWarnings mayRaiseWarnings,
+    std::vector<ArgType>&& outputs, std::vector<std::vector<ArgType>>&& inputs);
 
 // `first` followed by `second`, unsorted; an empty one hands the other on untouched.
 BUILTIN_API std::vector<BuiltinVariant> appendVariants(std::vector<BuiltinVariant>&& first,

@@ -55,7 +55,8 @@ public:
     virtual Zfh_KELDOR_fn* packageFunction(const std::string& qualifiedName) const = 0;
 
     // The finder installed under the name; empty if none.
-    virtual Norvane::builtin::IZOBJRegWrapper::ZfhFinder zfhFinder(const std::string& name) const = 0;
+    virtual Norvane::builtin::IZOBJRegWrapper::ZfhFinder zfhFinder(
+        const std::string& name) const = 0;
 
     // "first.second" of each method added to the class, in the order added.
     virtual std::vector<std::string> methods(const zobj::ZobjClass* cls) const = 0;

@@ -13,10 +13,10 @@ namespace detail {
 
 template <class NativeChar, class Char>
 struct path_traits {
-  using char_type = Char;
-  using native_char_type = NativeChar;
-  static constexpr Char separator = u'/';
-  static constexpr Char foreign_separator = u'\\';
+    using char_type = Char;
+    using native_char_type = NativeChar;
+    static constexpr Char separator = u'/';
+    static constexpr Char foreign_separator = u'\\';
 };
 
 // `text` with every separator made native and runs of separators folded into one; a trailing
@@ -31,35 +31,37 @@ void concatenate_pathname(std::u16string& base, const std::u16string& relative, 
 
 template <class NativeChar, class Char, class Traits>
 class basic_path {
- public:
-  using string_type = std::basic_string<Char>;
-  using traits_type = Traits;
+public:
+    using string_type = std::basic_string<Char>;
+    using traits_type = Traits;
 
-  basic_path() = default;
-  explicit basic_path(string_type text, bool native = true)
-      : text_(std::move(text)), native_(native) {}
+    basic_path() = default;
+    explicit basic_path(string_type text, bool native = true)
+        : text_(std::move(text)), native_(native) {}
 
-  const string_type& text() const noexcept { return text_; }
-  string_type& text() noexcept { return text_; }
-  bool native() const noexcept { return native_; }
-  bool empty() const noexcept { return text_.empty(); }
-  bool is_absolute() const noexcept { return !text_.empty() && text_.front() == Traits::separator; }
+    const string_type& text() const noexcept { return text_; }
+    string_type& text() noexcept { return text_; }
+    bool native() const noexcept { return native_; }
+    bool empty() const noexcept { return text_.empty(); }
+    bool is_absolute() const noexcept {
+        return !text_.empty() && text_.front() == Traits::separator;
+    }
 
-  // Appends a relative path, as concatenate_pathname does, in this path's own form.
-  basic_path& operator/=(const string_type& relative) {
-    detail::concatenate_pathname(text_, relative, native_);
-    return *this;
-  }
-  friend basic_path operator/(basic_path base, const string_type& relative) {
-    base /= relative;
-    return base;
-  }
+    // Appends a relative path, as concatenate_pathname does, in this path's own form.
+    basic_path& operator/=(const string_type& relative) {
+        detail::concatenate_pathname(text_, relative, native_);
+        return *this;
+    }
+    friend basic_path operator/(basic_path base, const string_type& relative) {
+        base /= relative;
+        return base;
+    }
 
-  friend bool operator==(const basic_path&, const basic_path&) = default;
+    friend bool operator==(const basic_path&, const basic_path&) = default;
 
- private:
-  string_type text_;
-  bool native_ = true;
+private:
+    string_type text_;
+    bool native_ = true;
 };
 
 using path = basic_path<wchar_t, char16_t, detail::path_traits<wchar_t, char16_t>>;

@@ -123,8 +123,8 @@ ArrayPtr createObject(ObjectDescription description);
 template <class P>
 ArrayPtr createObject(kaClassID classId, std::string className, std::shared_ptr<P> payload,
                       Dims dims = {1, 1}, kaClassID storedClass = kaOPAQUE_CLASS) {
-    return createObject(ObjectDescription{classId, std::move(className), storedClass, std::move(dims),
-                                   std::move(payload), &typeid(P)});
+    return createObject(ObjectDescription{classId, std::move(className), storedClass,
+                                          std::move(dims), std::move(payload), &typeid(P)});
 }
 
 // The class id the class system knows the array by: the object's class for an instance

@@ -36,8 +36,8 @@ std::unique_ptr<kaArray_tag, kaDestroy_deleter> do_create_uninitnumeric(
 // The same with the dimensions written in place: do_create_uninitnumeric({1, 1}, ...).
 inline std::unique_ptr<kaArray_tag, kaDestroy_deleter> do_create_uninitnumeric(
     std::initializer_list<std::size_t> dimensions, kaClassID classId, kaComplexity complexity) {
-    return do_create_uninitnumeric(std::span<const std::size_t>(dimensions.begin(), dimensions.size()),
-                                   classId, complexity);
+    return do_create_uninitnumeric(
+        std::span<const std::size_t>(dimensions.begin(), dimensions.size()), classId, complexity);
 }
 
 // Both throw std::invalid_argument with a text that names the class (and shape).

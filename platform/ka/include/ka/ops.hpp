@@ -13,16 +13,20 @@ namespace matrix {
 
 inline kaClassID classId(const kaArray_tag* a) {
     return a->storedClass <= kaFUNCTION_CLASS ? static_cast<kaClassID>(a->storedClass)
-                                               : a->_get_class_id_non_trivial();
+                                              : a->_get_class_id_non_trivial();
 }
 
-inline bool isSparse(const kaArray_tag* a) { return (a->flags & flags::sparse) != 0; }
+inline bool isSparse(const kaArray_tag* a) {
+    return (a->flags & flags::sparse) != 0;
+}
 
 inline bool isComplex(const kaArray_tag* a) {
     return (a->flags & flags::complex) == flags::complex;
 }
 
-inline bool isTwoD(const kaArray_tag* a) { return (a->flags & flags::twoD) != 0; }
+inline bool isTwoD(const kaArray_tag* a) {
+    return (a->flags & flags::twoD) != 0;
+}
 
 inline void completeDimensions(const kaArray_tag* a) {
     if (a->flags & flags::opaqueDimensions) a->_complete_opaque_dimensions();
@@ -35,7 +39,9 @@ inline std::span<const std::size_t> dimensions(const kaArray_tag* a) {
     return {a->dims.nd.list, a->dims.nd.count};
 }
 
-inline std::size_t numberOfDimensions(const kaArray_tag* a) { return dimensions(a).size(); }
+inline std::size_t numberOfDimensions(const kaArray_tag* a) {
+    return dimensions(a).size();
+}
 
 // The product of the dimensions; a list of no dimensions counts as one element.
 inline std::size_t numberOfElements(const kaArray_tag* a) {
@@ -44,7 +50,9 @@ inline std::size_t numberOfElements(const kaArray_tag* a) {
     return n;
 }
 
-inline void* data(const kaArray_tag* a) { return a->data; }
+inline void* data(const kaArray_tag* a) {
+    return a->data;
+}
 
 inline bool isDataShared(const kaArray_tag* a) {
     return (a->flags & flags::mayShareData) != 0 && a->is_data_shared_impl();

@@ -1,8 +1,8 @@
 // Typed views of an array: check once that an array holds elements of type T in the
 // expected density, then read them without further checks. A view does not own the array
 // or take a reference; the array must outlive it. It does not make the elements const either:
-// whoever holds the array exclusively may write through it. An array that does not fit is refused with
-// rejectArrayShape, given the view's type.
+// whoever holds the array exclusively may write through it. An array that does not fit is refused
+// with rejectArrayShape, given the view's type.
 #pragma once
 
 #include <complex>
@@ -36,20 +36,34 @@ struct plain_element {
     static bool accepts(const kaArray_tag* a) { return classId(a) == Id && !isComplex(a); }
 };
 
-template <> struct element_traits<std::int8_t> : plain_element<std::int8_t, kaINT8_CLASS> {};
-template <> struct element_traits<std::uint8_t> : plain_element<std::uint8_t, kaUINT8_CLASS> {};
-template <> struct element_traits<std::int16_t> : plain_element<std::int16_t, kaINT16_CLASS> {};
-template <> struct element_traits<std::uint16_t> : plain_element<std::uint16_t, kaUINT16_CLASS> {};
-template <> struct element_traits<std::int32_t> : plain_element<std::int32_t, kaINT32_CLASS> {};
-template <> struct element_traits<std::uint32_t> : plain_element<std::uint32_t, kaUINT32_CLASS> {};
-template <> struct element_traits<std::int64_t> : plain_element<std::int64_t, kaINT64_CLASS> {};
-template <> struct element_traits<std::uint64_t> : plain_element<std::uint64_t, kaUINT64_CLASS> {};
-template <> struct element_traits<float> : plain_element<float, kaSINGLE_CLASS> {};
-template <> struct element_traits<double> : plain_element<double, kaDOUBLE_CLASS> {};
-template <> struct element_traits<bool> : plain_element<bool, kaLOGICAL_CLASS> {};
-template <> struct element_traits<char16_t> : plain_element<char16_t, kaCHAR_CLASS> {};
-template <> struct element_traits<cell> : plain_element<kaArray_tag*, kaCELL_CLASS> {};
-template <> struct element_traits<functionhandle> : plain_element<void, kaFUNCTION_CLASS> {};
+template <>
+struct element_traits<std::int8_t> : plain_element<std::int8_t, kaINT8_CLASS> {};
+template <>
+struct element_traits<std::uint8_t> : plain_element<std::uint8_t, kaUINT8_CLASS> {};
+template <>
+struct element_traits<std::int16_t> : plain_element<std::int16_t, kaINT16_CLASS> {};
+template <>
+struct element_traits<std::uint16_t> : plain_element<std::uint16_t, kaUINT16_CLASS> {};
+template <>
+struct element_traits<std::int32_t> : plain_element<std::int32_t, kaINT32_CLASS> {};
+template <>
+struct element_traits<std::uint32_t> : plain_element<std::uint32_t, kaUINT32_CLASS> {};
+template <>
+struct element_traits<std::int64_t> : plain_element<std::int64_t, kaINT64_CLASS> {};
+template <>
+struct element_traits<std::uint64_t> : plain_element<std::uint64_t, kaUINT64_CLASS> {};
+template <>
+struct element_traits<float> : plain_element<float, kaSINGLE_CLASS> {};
+template <>
+struct element_traits<double> : plain_element<double, kaDOUBLE_CLASS> {};
+template <>
+struct element_traits<bool> : plain_element<bool, kaLOGICAL_CLASS> {};
+template <>
+struct element_traits<char16_t> : plain_element<char16_t, kaCHAR_CLASS> {};
+template <>
+struct element_traits<cell> : plain_element<kaArray_tag*, kaCELL_CLASS> {};
+template <>
+struct element_traits<functionhandle> : plain_element<void, kaFUNCTION_CLASS> {};
 
 template <class R>
 struct element_traits<std::complex<R>> {

@@ -35,7 +35,9 @@ template <class T, class A>
 struct IsVector<std::vector<T, A>> : std::true_type {};
 
 template <class T>
-concept Streamable = requires(std::ostream& os, const T& value) { os << value; };
+concept Streamable = requires(std::ostream& os, const T& value) {
+    os << value;
+};
 
 // The text of a value for messages and filters: strings as they are, bools as true/false,
 // vectors as [a, b], anything streamable as streamed, anything else as its type in <>.
@@ -84,7 +86,9 @@ public:
     void Swap(Any& other) noexcept { content_.swap(other.content_); }
     bool Empty() const noexcept { return !content_; }
     // typeid(void) when empty.
-    const std::type_info& Type() const noexcept { return content_ ? content_->Type() : typeid(void); }
+    const std::type_info& Type() const noexcept {
+        return content_ ? content_->Type() : typeid(void);
+    }
     // The demangled name of the held type; "void" when empty.
     std::string TypeName() const { return detail::GetDemangledName(Type()); }
     // The held value as text (see detail::ValueText); empty when empty.
@@ -102,7 +106,9 @@ private:
     struct Holder final : Placeholder {
         template <class U>
         explicit Holder(U&& v) : value(std::forward<U>(v)) {}
-        std::unique_ptr<Placeholder> Clone() const override { return std::make_unique<Holder>(value); }
+        std::unique_ptr<Placeholder> Clone() const override {
+            return std::make_unique<Holder>(value);
+        }
         const std::type_info& Type() const noexcept override { return typeid(T); }
         std::string ToString() const override { return detail::ValueText(value); }
         T value;
@@ -126,7 +132,9 @@ private:
     std::unique_ptr<Placeholder> content_;
 };
 
-inline std::ostream& operator<<(std::ostream& os, const Any& any) { return os << any.ToString(); }
+inline std::ostream& operator<<(std::ostream& os, const Any& any) {
+    return os << any.ToString();
+}
 
 // Pointer forms: null if the Any holds no T (or is null); never throw.
 template <class T>

@@ -25,12 +25,12 @@ using DestroyActivatorFn = void (*)(BundleActivator*);
 
 }  // namespace cppmicroservices
 
-#define CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(Type)                                       \
-    extern "C" __attribute__((visibility("default"))) ::cppmicroservices::BundleActivator*  \
-    cppmicroservices_create_bundle_activator() {                                             \
-        return new Type();                                                                   \
-    }                                                                                        \
-    extern "C" __attribute__((visibility("default"))) void                                   \
+#define CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(Type)                                          \
+    extern "C" __attribute__((visibility("default"))) ::cppmicroservices::BundleActivator*      \
+    cppmicroservices_create_bundle_activator() {                                                \
+        return new Type();                                                                      \
+    }                                                                                           \
+    extern "C" __attribute__((visibility("default"))) void                                      \
     cppmicroservices_destroy_bundle_activator(::cppmicroservices::BundleActivator* activator) { \
-        delete activator;                                                                    \
+        delete activator;                                                                       \
     }

@@ -52,8 +52,9 @@ public:
     template <class I1, class... Is, class Impl>
     ServiceRegistration<I1, Is...> RegisterService(const std::shared_ptr<Impl>& service,
                                                    const ServiceProperties& properties = {}) {
-        static_assert((std::is_convertible_v<Impl*, I1*> && ... && std::is_convertible_v<Impl*, Is*>),
-                      "the service must implement every interface it is registered under");
+        static_assert(
+            (std::is_convertible_v<Impl*, I1*> && ... && std::is_convertible_v<Impl*, Is*>),
+            "the service must implement every interface it is registered under");
         auto interfaces = std::make_shared<InterfaceMap>();
         AddInterface<I1>(*interfaces, service);
         (AddInterface<Is>(*interfaces, service), ...);
@@ -102,14 +103,16 @@ private:
     static const std::string& CheckedInterfaceId() {
         const std::string& id = ServiceInterfaceId<S>();
         if (id.empty()) {
-            throw ServiceException(detail::kNoInterfaceIdMessage, ServiceException::INVALID_INTERFACE);
+            throw ServiceException(detail::kNoInterfaceIdMessage,
+                                   ServiceException::INVALID_INTERFACE);
         }
         return id;
     }
 
     template <class I, class Impl>
     static void AddInterface(InterfaceMap& interfaces, const std::shared_ptr<Impl>& service) {
-        interfaces[CheckedInterfaceId<I>()] = std::static_pointer_cast<void>(std::static_pointer_cast<I>(service));
+        interfaces[CheckedInterfaceId<I>()] =
+            std::static_pointer_cast<void>(std::static_pointer_cast<I>(service));
     }
 
     void CheckValid() const;

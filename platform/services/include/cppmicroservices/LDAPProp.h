@@ -33,8 +33,11 @@ public:
 
     LDAPPropExpr operator==(const std::string& value) const;
     LDAPPropExpr operator==(const char* value) const { return *this == std::string(value); }
-    LDAPPropExpr operator==(bool value) const { return *this == std::string(value ? "true" : "false"); }
-    template <class T, class = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, bool>>>
+    LDAPPropExpr operator==(bool value) const {
+        return *this == std::string(value ? "true" : "false");
+    }
+    template <class T,
+              class = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, bool>>>
     LDAPPropExpr operator==(T value) const {
         return *this == std::to_string(value);
     }

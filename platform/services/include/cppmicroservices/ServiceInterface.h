@@ -24,8 +24,8 @@ const std::string& ServiceInterfaceId() {
 
 }  // namespace cppmicroservices
 
-#define CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(Interface, IId)          \
-    template <>                                                            \
-    struct cppmicroservices::ServiceInterfaceTraits<Interface> {           \
-        static std::string Id() { return IId; }                            \
+#define CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(Interface, IId) \
+    template <>                                                    \
+    struct cppmicroservices::ServiceInterfaceTraits<Interface> {   \
+        static std::string Id() { return IId; }                    \
     };

@@ -23,7 +23,8 @@ class ServiceReferenceBase {
 public:
     ServiceReferenceBase() = default;
     // For the framework: a reference to a registration, as seen through one interface id.
-    ServiceReferenceBase(std::shared_ptr<detail::ServiceRegistrationData> data, std::string interfaceId)
+    ServiceReferenceBase(std::shared_ptr<detail::ServiceRegistrationData> data,
+                         std::string interfaceId)
         : d_(std::move(data)), interfaceId_(std::move(interfaceId)) {}
 
     // False for a default-constructed reference.

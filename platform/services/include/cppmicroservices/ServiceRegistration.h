@@ -36,7 +36,8 @@ template <class I1, class... Is>
 class ServiceRegistration : public ServiceRegistrationBase {
 public:
     ServiceRegistration() = default;
-    explicit ServiceRegistration(ServiceRegistrationBase base) : ServiceRegistrationBase(std::move(base)) {}
+    explicit ServiceRegistration(ServiceRegistrationBase base)
+        : ServiceRegistrationBase(std::move(base)) {}
 
     using ServiceRegistrationBase::GetReference;
     ServiceReference<I1> GetReference() const {

@@ -21,7 +21,8 @@ struct Activator final : cppmicroservices::BundleActivator {
     void Start(cppmicroservices::BundleContext context) override {
         const auto& headers = context.GetBundle().GetHeaders();
         context.RegisterService<testbundle::IGreeter>(
-            std::make_shared<Greeter>(cppmicroservices::ref_any_cast<std::string>(headers.at("greeting"))),
+            std::make_shared<Greeter>(
+                cppmicroservices::ref_any_cast<std::string>(headers.at("greeting"))),
             {{"greeting", headers.at("greeting")}});
         if (headers.contains("fail-start")) throw std::runtime_error("refusing to start");
     }

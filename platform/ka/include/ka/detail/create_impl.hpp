@@ -24,8 +24,8 @@ template <class T>
 ka::ArrayPtr ka::createFrom(const Dims& dims, std::span<const T> values) {
     using Part = typename detail::complexity_of<T>::part;
     constexpr kaClassID id = matrix::detail::element_traits<Part>::id;
-    ArrayPtr array = matrix::detail::do_create_uninitnumeric(
-        std::span<const std::size_t>(dims), id, detail::complexity_of<T>::value);
+    ArrayPtr array = matrix::detail::do_create_uninitnumeric(std::span<const std::size_t>(dims), id,
+                                                             detail::complexity_of<T>::value);
     const std::size_t n = matrix::numberOfElements(array.get());
     if (values.size() != n) detail::rejectValueCount(values.size(), n);
     std::copy(values.begin(), values.end(), static_cast<T*>(array->data));
@@ -33,8 +33,7 @@ ka::ArrayPtr ka::createFrom(const Dims& dims, std::span<const T> values) {
 }
 
 template <class T>
-ka::ArrayPtr ka::fromRows(std::size_t rows, std::size_t columns,
-                          std::initializer_list<T> values) {
+ka::ArrayPtr ka::fromRows(std::size_t rows, std::size_t columns, std::initializer_list<T> values) {
     if (values.size() != rows * columns) detail::rejectValueCount(values.size(), rows * columns);
     // Not std::vector: its bool form has no contiguous storage.
     auto columnMajor = std::make_unique<T[]>(values.size());

@@ -45,6 +45,6 @@ std::uint32_t channelMask(std::string_view channel);
 // The mask that `setting` (the text of KELDOR_LOG) gives `channel`, by the rules above. Each
 // malformed entry is described in `problems` when it is given.
 std::uint32_t maskFromSetting(std::string_view setting, std::string_view channel,
-                           std::vector<std::string>* problems = nullptr);
+                              std::vector<std::string>* problems = nullptr);
 
 }  // namespace foundation::log

@@ -93,8 +93,7 @@ public:
     // Writes one record whose text `fn(std::ostream&)` produces; `fn` runs only if enabled.
     template <class Fn>
     void write(std::uint32_t severity, Fn&& fn) const {
-        if (!isEnabled(severity))
-            return;
+        if (!isEnabled(severity)) return;
         record_pump pump(*this, severity);
         if (pump) {
             std::forward<Fn>(fn)(pump.stream());
@@ -127,11 +126,11 @@ using diagnostic_logger = basic_diagnostic_logger<char>;
 // FOUNDATION_LOG(logger, severity) << a << b;
 // Both arguments are evaluated twice: pass a logger and a plain severity value. The stream
 // expression is evaluated only when the logger lets the severity through.
-#define FOUNDATION_LOG(logger, severity)                                                     \
-    if (!(logger).isEnabled(severity)) {                                                     \
-    } else                                                                                   \
-        for (::foundation::log::record_pump foundation_log_pump_((logger), (severity));      \
-             foundation_log_pump_; foundation_log_pump_.commit())                            \
-    foundation_log_pump_.stream()
+#define FOUNDATION_LOG(logger, severity)                                                \
+    if (!(logger).isEnabled(severity)) {                                                \
+    } else                                                                              \
+        for (::foundation::log::record_pump foundation_log_pump_((logger), (severity)); \
+             foundation_log_pump_; foundation_log_pump_.commit())                       \
+        foundation_log_pump_.stream()
 
 #include <foundation/log/trace_scope.hpp>

@@ -1,7 +1,8 @@
 // A traced function: a record when it is entered, one when it is left, and the records in
 // between indented one level deeper.
 //
-//   trace_scope trace(logger(), __PRETTY_FUNCTION__, "builtin2/interface/builtin/BuiltinFcn", __LINE__);
+//   trace_scope trace(logger(), __PRETTY_FUNCTION__, "builtin2/interface/builtin/BuiltinFcn",
+//   __LINE__);
 //
 // The scope is active only if the logger lets the entry severity through when it is made (by
 // convention 32 for entry and 64 for exit). Then it writes the function as a record at the
@@ -34,8 +35,7 @@ public:
     trace_scope(const trace_scope&) = delete;
     trace_scope& operator=(const trace_scope&) = delete;
     ~trace_scope() {
-        if (logger_ != nullptr)
-            leave();
+        if (logger_ != nullptr) leave();
     }
 
     bool active() const noexcept { return logger_ != nullptr; }

@@ -4,7 +4,8 @@
 //   static const ID id = Detail<scope::Tavi>::getNextID(typeid(Stack));
 //   auto* stack = static_cast<Stack*>(Detail<scope::Tavi>::find(id, typeid(Stack)));
 //   if (!stack)
-//       stack = static_cast<Stack*>(Detail<scope::Tavi>::insert(id, typeid(Stack), makeValue<Stack>()));
+//       stack = static_cast<Stack*>(Detail<scope::Tavi>::insert(id, typeid(Stack),
+//       makeValue<Stack>()));
 //
 // Detail<scope::Tavi> works on the current tavi of the calling thread. The runtime (or a test)
 // makes a Store current with a CurrentTavi scope; a thread that has none gets a store of its own,
@@ -75,7 +76,7 @@ private:
 
     mutable std::shared_mutex mutex_;
     std::unordered_map<ID, Entry> entries_;
-    std::vector<ID> order_;         // insertion order, for destruction in reverse
+    std::vector<ID> order_;          // insertion order, for destruction in reverse
     std::atomic<int> currentOn_{0};  // CurrentTavi scopes that name this store
 
     // Stores a value whose id and type have been checked; throws AlreadyExistsError.
