@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
+#include <span>
 #include <stdexcept>
 
 #include <builtin/types/StringClassId.hpp>
@@ -222,19 +224,53 @@ bool KaArrayTypes::isCompatible(const KaArrayTypes& other) const {
 
 // Precedence ---------------------------------------------------------------------------------
 
+namespace {
+
+// One entry of a precedence list: a shape and its dimension count. (SCALAR, 0) stands for the
+// scalar entry, which for a numeric element is a NumericScalarTypes rather than an array.
+struct ShapeEntry {
+    Shape shape;
+    std::size_t dim;
+};
+
+// The entries that every list of an open N-d shape starts with; TWO_D lists all but the last.
+constexpr ShapeEntry kGeneralEntries[] = {
+    {Shape::EMPTY_COL, 0}, {Shape::EMPTY_ROW, 0}, {Shape::EMPTY, 0},  {Shape::SCALAR, 0},
+    {Shape::ROW, 1},       {Shape::COLUMN, 1},    {Shape::VECTOR, 1}, {Shape::TWO_D, 2}};
+constexpr ShapeEntry kEmptyEntries[] = {{Shape::EMPTY_ROW, 0}, {Shape::EMPTY_COL, 0}};
+constexpr ShapeEntry kRowEntries[] = {{Shape::EMPTY_ROW, 0}, {Shape::SCALAR, 0}};
+constexpr ShapeEntry kColumnEntries[] = {{Shape::EMPTY_COL, 0}, {Shape::SCALAR, 0}};
+constexpr ShapeEntry kVectorEntries[] = {{Shape::EMPTY_COL, 0},
+                                         {Shape::EMPTY_ROW, 0},
+                                         {Shape::SCALAR, 0},
+                                         {Shape::ROW, 1},
+                                         {Shape::COLUMN, 1}};
+
+// The fixed entries of each shape, by the shape's number. The shapes that are already as narrow
+// as they come (the two empty vectors and the scalar) have none.
+constexpr std::span<const ShapeEntry> kFixedEntries[] = {
+    kGeneralEntries,                      // UNKNOWN, then N-d entries
+    {},                                   // EMPTY_ROW
+    {},                                   // EMPTY_COL
+    kEmptyEntries,                        // EMPTY
+    {},                                   // SCALAR
+    kRowEntries,                          // ROW
+    kColumnEntries,                       // COLUMN
+    kVectorEntries,                       // VECTOR
+    std::span(kGeneralEntries).first(7),  // TWO_D
+    kGeneralEntries,                      // ND, then N-d entries
+};
+
+}  // namespace
+
 std::vector<KaArrayTypes::PrecedenceType> KaArrayTypes::getGreaterPrecedenceTypes() const {
     std::vector<PrecedenceType> result;
-    if (tolerance != SignatureTolerance::RELAXED) {
+    const auto index = static_cast<std::size_t>(number(shape));
+    if (tolerance != SignatureTolerance::RELAXED || index >= std::size(kFixedEntries)) {
         return result;
     }
-
-    const auto withShape = [this](Shape entryShape, std::size_t entryDim) {
-        KaArrayTypes entry = *this;
-        entry.setShape(entryShape, entryDim);
-        return PrecedenceType(entry);
-    };
-    const auto scalarEntry = [this, &withShape]() -> PrecedenceType {
-        if (isNumericElementClass(element)) {
+    const auto entry = [this](ShapeEntry e) -> PrecedenceType {
+        if (e.shape == Shape::SCALAR && isNumericElementClass(element)) {
             if (complexity == Complexity::UNKNOWN || complexity == Complexity::NOT_COMPLEX) {
                 return NumericScalarTypes(element, NumericScalarTypes::Complexity::REAL);
             }
@@ -242,51 +278,19 @@ std::vector<KaArrayTypes::PrecedenceType> KaArrayTypes::getGreaterPrecedenceType
                 return NumericScalarTypes(element, NumericScalarTypes::Complexity::COMPLEX);
             }
         }
-        return withShape(Shape::SCALAR, 0);
+        KaArrayTypes copy = *this;
+        copy.setShape(e.shape, e.dim);
+        return copy;
     };
-    // (EMPTY_COL, 0) ... (TWO_D, 2), then ND of 3 up to below maxDim, then ND of any number.
-    const std::size_t maxDim = std::min<std::size_t>(dim, 5);
-    const auto appendGeneralList = [&] {
-        result.push_back(withShape(Shape::EMPTY_COL, 0));
-        result.push_back(withShape(Shape::EMPTY_ROW, 0));
-        result.push_back(withShape(Shape::EMPTY, 0));
-        result.push_back(scalarEntry());
-        result.push_back(withShape(Shape::ROW, 1));
-        result.push_back(withShape(Shape::COLUMN, 1));
-        result.push_back(withShape(Shape::VECTOR, 1));
-        result.push_back(withShape(Shape::TWO_D, 2));
-        for (std::size_t d = 3; d < maxDim; ++d) {
-            result.push_back(withShape(Shape::ND, d));
-        }
-        if (dim == SIZE_MAX) {
-            result.push_back(withShape(Shape::ND, SIZE_MAX));
-        }
-    };
+    for (const ShapeEntry e : kFixedEntries[index]) result.push_back(entry(e));
 
-    switch (shape) {
-        case Shape::EMPTY_ROW:
-        case Shape::EMPTY_COL:
-        case Shape::SCALAR: break;
-        case Shape::EMPTY:
-            result = {withShape(Shape::EMPTY_ROW, 0), withShape(Shape::EMPTY_COL, 0)};
-            break;
-        case Shape::ROW: result = {withShape(Shape::EMPTY_ROW, 0), scalarEntry()}; break;
-        case Shape::COLUMN: result = {withShape(Shape::EMPTY_COL, 0), scalarEntry()}; break;
-        case Shape::VECTOR:
-            result = {withShape(Shape::EMPTY_COL, 0), withShape(Shape::EMPTY_ROW, 0), scalarEntry(),
-                      withShape(Shape::ROW, 1), withShape(Shape::COLUMN, 1)};
-            break;
-        case Shape::TWO_D:
-            result = {withShape(Shape::EMPTY_COL, 0), withShape(Shape::EMPTY_ROW, 0),
-                      withShape(Shape::EMPTY, 0),     scalarEntry(),
-                      withShape(Shape::ROW, 1),       withShape(Shape::COLUMN, 1),
-                      withShape(Shape::VECTOR, 1)};
-            break;
-        case Shape::ND: appendGeneralList(); break;
-        case Shape::UNKNOWN:
-            appendGeneralList();
-            result.push_back(withShape(Shape::ND, maxDim));
-            break;
+    // An open N-d shape goes on with the N-d arrays of 3 and 4 dimensions, as far as its own
+    // count allows, then of any count if it takes any; an UNKNOWN shape ends with its own count.
+    if (shape == Shape::ND || shape == Shape::UNKNOWN) {
+        const std::size_t maxDim = std::min<std::size_t>(dim, 5);
+        for (std::size_t d = 3; d < maxDim; ++d) result.push_back(entry({Shape::ND, d}));
+        if (dim == SIZE_MAX) result.push_back(entry({Shape::ND, SIZE_MAX}));
+        if (shape == Shape::UNKNOWN) result.push_back(entry({Shape::ND, maxDim}));
     }
 
     // Arrays before scalars (the index of the variant first), then each by its own order.
