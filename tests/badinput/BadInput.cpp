@@ -17,6 +17,7 @@
 #include <foundation/cppmicroservices/framework.hpp>
 
 #include "EngineEnvironment.hpp"
+#include "ModuleHost.hpp"
 
 namespace badinput {
 
@@ -28,12 +29,7 @@ std::string nameOf(const std::type_info& type) {
 
 class Process final : public ::testing::Environment {
 public:
-    void SetUp() override {
-        unsetenv("KELDOR_INSTALL_ROOT");
-        foundation::cppmicroservices::createFramework();
-        directory_ = std::make_unique<declare::ModuleDirectory>(
-            declare::ModuleDirectory::start({declare::builtinServicesFolder()}));
-    }
+    void SetUp() override { directory_ = testsupport::startModules(); }
     void TearDown() override {
         directory_.reset();
         int total = 0;

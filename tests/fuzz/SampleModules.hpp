@@ -4,19 +4,17 @@
 #pragma once
 
 #include <builtin/declare/ModuleDirectory.hpp>
-#include <foundation/cppmicroservices/framework.hpp>
 #include <ka/runtime.hpp>
+
+#include "ModuleHost.hpp"
 
 namespace fuzz {
 
 inline const Norvane::builtin::declare::ModuleDirectory& sampleModules() {
     static const Norvane::builtin::declare::ModuleDirectory* const modules = [] {
-        foundation::cppmicroservices::createFramework();
         ka::setWarningHandler([](const std::u16string&) {});
         // Never deleted: the fuzzer leaves by exit() from wherever it is.
-        return new Norvane::builtin::declare::ModuleDirectory(
-            Norvane::builtin::declare::ModuleDirectory::start(
-                {Norvane::builtin::declare::builtinServicesFolder()}));
+        return testsupport::startModules().release();
     }();
     return *modules;
 }

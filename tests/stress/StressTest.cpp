@@ -18,6 +18,7 @@
 #include <exception>
 #include <latch>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -31,6 +32,8 @@
 #include <classbundle/ClassSystem.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 #include <ka/ka.hpp>
+
+#include "ModuleHost.hpp"
 
 namespace {
 
@@ -349,15 +352,10 @@ struct ManifestWriter {
 
 class Stress : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        unsetenv("KELDOR_INSTALL_ROOT");
-        foundation::cppmicroservices::createFramework();
-        directory_ = new declare::ModuleDirectory(
-            declare::ModuleDirectory::start({declare::builtinServicesFolder()}));
-    }
-    static void TearDownTestSuite() { delete directory_; }
+    static void SetUpTestSuite() { directory_ = testsupport::startModules(); }
+    static void TearDownTestSuite() { directory_.reset(); }
 
-    static inline declare::ModuleDirectory* directory_ = nullptr;
+    static inline std::unique_ptr<declare::ModuleDirectory> directory_;
 };
 
 TEST_F(Stress, ThreadsCallEveryRoadWhileManifestsAreAdded) {
