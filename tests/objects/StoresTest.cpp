@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "FatalText.hpp"
+#include "LookupFailureHandler.hpp"
 
 namespace {
 

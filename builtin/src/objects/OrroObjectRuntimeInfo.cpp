@@ -149,9 +149,10 @@ OrroObjectRuntimeInfo getOrroObjectRuntimeInfo(const std::string& cppClassName) 
     throw GetOrroObjectRuntimeInfoError(notFoundMessage(table, cppClassName));
 }
 
+// Exported for tests, which declare it themselves: no installed header offers it.
 namespace testhelp {
 
-void handleOrroObjectLookupFailure(OrroObjectLookupFailureHandler handler) {
+BUILTIN_API void handleOrroObjectLookupFailure(OrroObjectLookupFailureHandler handler) {
     OrroObjectRegistry& table = registry();
     const std::unique_lock lock(table.mutex);
     table.lookupFailureHandler = std::move(handler);

@@ -68,9 +68,10 @@ BUILTIN_API TypedEntry getElementWiseEntry(const ParameterTypes* tag, std::size_
 // The dimensions of an unboxed scalar, {1, 1}, for the whole process.
 BUILTIN_API const std::span<std::size_t>& getScalarDims();
 
-// The rule of shapes that callers of a two-input lifted entry keep, for the templates of modules:
-// given the sizes that all inputs have in one dimension, stops the process unless all sizes
-// other than 1 are equal. An empty or all-1 list passes.
+// The rule of shapes that callers of a two-input lifted entry keep: given the sizes that all
+// inputs have in one dimension, stops the process unless all sizes other than 1 are equal. An
+// empty or all-1 list passes. Called by the templates of modules that lift kernels themselves;
+// the lifted entries here check shapes before they start.
 BUILTIN_API void assertElementwiseDimensions(const std::size_t* first, const std::size_t* last);
 
 // Never returns normally. Builds "Parameter should contain {expected} but actually contained

@@ -44,6 +44,8 @@ public:
 };
 
 // Answers for a native class name that the table does not hold; no value means "not found".
+// Tests install one with testhelp::handleOrroObjectLookupFailure, which the library exports and
+// tests/support/LookupFailureHandler.hpp declares.
 using OrroObjectLookupFailureHandler =
     std::function<std::optional<OrroObjectRuntimeInfo>(const std::string&)>;
 
@@ -60,11 +62,4 @@ BUILTIN_API std::unordered_set<std::string> addOrroObjectRuntimeInfo(
 // GetOrroObjectRuntimeInfoError if neither knows the class.
 BUILTIN_API OrroObjectRuntimeInfo getOrroObjectRuntimeInfo(const std::string& cppClassName);
 
-namespace testhelp {
-
-// Installs the handler that getOrroObjectRuntimeInfo asks for names the table does not hold,
-// replacing the previous one; an empty handler removes it.
-BUILTIN_API void handleOrroObjectLookupFailure(OrroObjectLookupFailureHandler handler);
-
-}  // namespace testhelp
 }  // namespace Norvane::builtin::types
