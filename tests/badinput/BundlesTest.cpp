@@ -3,11 +3,16 @@
 // no shared object or has no activator, an activator that fails. The start names the bundle and
 // the fault, after every other bundle has started, and a failed bundle leaves no service behind.
 #include <cppmicroservices/BundleContext.h>
+#include <fl/filesystem.hpp>
+#include <fl/i18n.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "BadInput.hpp"
 #include "Greeter.hpp"
@@ -182,6 +187,76 @@ TEST_F(Bundles, BrokenBundles) {
                 {R"({"bundle.symbolic_name": "broken", "bundle.library": ")" + greeter +
                  R"(", "greeting": "hi"})"},
                 ""),
+        });
+}
+
+// What a host is told of module folders that load nothing or not all: the reporting start goes
+// on, and each problem is one line that names the folder or bundle. The lines come back as the
+// text of one exception, so that the rows read as the others do.
+struct ModuleProblems : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+void loadModules(const fs::path& folder) {
+    const auto before = directory().list();
+    std::vector<std::string> problems;
+    const auto modules = declare::ModuleDirectory::start(
+        {fl::filesystem::path(fl::i18n::utf8_to_ustring(folder.string()), true)}, problems);
+    stopBundlesUnder(folder.parent_path());
+    EXPECT_EQ(modules.list(), before) << "a module of a bad folder stayed";
+    std::string text;
+    for (const std::string& line : problems) text += (text.empty() ? "" : "\n") + line;
+    if (!text.empty()) throw ModuleProblems(text);
+}
+
+TEST_F(Bundles, ModuleFolders) {
+    const fs::path root = roots_ / "folders";
+    const auto bundle = [&](const std::string& name, const std::string& manifest,
+                            const std::string& library = {}) {
+        fs::create_directories(root / name / "b");
+        std::ofstream(root / name / "b/manifest.json") << manifest;
+        if (!library.empty()) fs::copy_file(library, root / name / "b/lib.so");
+        return root / name;
+    };
+    const std::string sample = SAMPLE_MODULE_LIBRARY;
+    const fs::path empty = root / "empty",
+                   notModule = bundle("plain", R"({"bundle.symbolic_name": "p",
+        "bundle.library": "lib.so"})"),
+                   missing = bundle("missing", module("absent.so")),
+                   renamed = bundle("renamed", R"({"bundle.symbolic_name": "s", "bundle.library":
+        "lib.so", "builtin-module": "other"})",
+                                    sample),
+                   twice = bundle("twice", R"({"bundle.symbolic_name": "s2", "bundle.library":
+        "lib.so", "builtin-module": "sample"})",
+                                  sample);
+    fs::create_directories(empty);
+    const auto problems = [](const std::string& text) { return refusal<ModuleProblems>(text); };
+    const std::string clash =
+        "the builtin abs is declared by two modules: sample and sample; the second is left out";
+    runTable(
+        "module folders",
+        {
+            {"no such folder", [&] { loadModules(root / "absent"); },
+             problems((root / "absent").string() + ": no such folder")},
+            {"no bundle in the folder", [&] { loadModules(empty); },
+             problems(empty.string() +
+                      ": no module bundle here (no subfolder with a manifest.json)")},
+            {"a bundle that is no module", [&] { loadModules(notModule); },
+             problems((notModule / "b").string() +
+                      ": its manifest has no \"builtin-module\", so it is not a module bundle")},
+            {"a library that does not load", [&] { loadModules(missing); },
+             problems("Bundle " + (missing / "b").string() + ": cannot load " +
+                      (missing / "b/absent.so").string() + ": " +
+                      (missing / "b/absent.so").string() +
+                      ": cannot open shared object file: No such file or directory")},
+            {"a module named otherwise in its manifest", [&] { loadModules(renamed); },
+             problems("Bundle " + (renamed / "b").string() +
+                      ": module sample: its manifest names the module \"other\" "
+                      "(\"builtin-module\"), the code \"sample\"")},
+            {"a second sample, by its folder of modules", [&] { loadModules(twice); },
+             problems(clash)},
+            {"a second sample, by its own folder", [&] { loadModules(twice / "b"); },
+             problems(clash)},
         });
 }
 

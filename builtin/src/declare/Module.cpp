@@ -1,6 +1,13 @@
 #include <builtin/declare/Module.hpp>
 
+#include <cstdint>
+#include <ostream>
 #include <stdexcept>
+
+#include <cppmicroservices/Any.h>
+#include <foundation/log/diagnostic_logger.hpp>
+
+#include <builtin/declare/Lint.hpp>
 
 namespace Norvane::builtin::declare {
 
@@ -38,13 +45,57 @@ const builtinreg::BuiltinVariantLists* Module::getVariantLists(std::string_view 
     return found == declared_.end() ? nullptr : &found->second->lists();
 }
 
+namespace {
+
+constexpr std::uint32_t kLintSeverity = 4;
+
+const foundation::log::diagnostic_logger& lintLogger() {
+    static const foundation::log::diagnostic_logger logger("builtin2::lint");
+    return logger;
+}
+
+// The manifest names the module that a host expects to find in the bundle; a module that calls
+// itself otherwise would register under a name nobody asked for.
+void checkManifestName(const cppmicroservices::BundleContext& context, const std::string& name) {
+    const cppmicroservices::AnyMap& headers = context.GetBundle().GetHeaders();
+    const auto found = headers.find(moduleProperty);
+    const std::string* declared =
+        found == headers.end() ? nullptr : cppmicroservices::any_cast<std::string>(&found->second);
+    if (declared != nullptr && *declared != name) {
+        throw std::invalid_argument("its manifest names the module \"" + *declared +
+                                    "\" (\"builtin-module\"), the code \"" + name + "\"");
+    }
+}
+
+// What the lint finds goes to its channel as the module starts, so that an author sees it
+// without asking for each builtin.
+void logLintFindings(const Module& module) {
+    if (!lintLogger().isEnabled(kLintSeverity)) return;
+    for (const std::string& builtin : module.getBuiltinNames()) {
+        for (const LintFinding& finding :
+             lintVariantLists(builtin, *module.getVariantLists(builtin))) {
+            lintLogger().write(kLintSeverity, [&](std::ostream& os) {
+                os << "module " << module.getModuleName() << ": " << finding.message;
+            });
+        }
+    }
+}
+
+}  // namespace
+
 namespace detail {
 
 void startModule(cppmicroservices::BundleContext& context, const std::string& name,
                  void (*declare)(Module&)) {
     auto module = std::make_shared<Module>(name);
-    declare(*module);
-    module->finish();
+    try {
+        checkManifestName(context, name);
+        declare(*module);
+        module->finish();
+    } catch (const std::invalid_argument& mistake) {
+        throw std::invalid_argument("module " + name + ": " + mistake.what());
+    }
+    logLintFindings(*module);
     context.RegisterService<IBuiltinModule>(module,
                                             {{moduleProperty, cppmicroservices::Any(name)}});
 }

@@ -28,6 +28,16 @@ public:
     // start of a bundle throws, and std::runtime_error for a builtin name declared twice.
     static ModuleDirectory start(const std::vector<fl::filesystem::path>& folders);
 
+    // The same for a host that goes on whatever it cannot load. Each folder is a folder of
+    // module bundles or one module bundle's own folder. A missing folder, a folder without
+    // module bundles, a bundle whose manifest has no "builtin-module", a library that fails to
+    // load and a module whose start fails (a mistake in a declaration) each add one line to
+    // `problems`, naming the folder or bundle and the reason, and a record on the channel
+    // "builtin2::ModuleDirectory"; so does a module that declares a builtin of a module found
+    // before it, which is left out. The other modules load.
+    static ModuleDirectory start(const std::vector<fl::filesystem::path>& folders,
+                                 std::vector<std::string>& problems);
+
     // The modules whose services are registered now.
     ModuleDirectory();
 
@@ -39,6 +49,12 @@ public:
     std::vector<std::pair<std::string, std::string>> list() const;
 
 private:
+    // With `problems`, a module that declares a builtin of a module before it is left out and
+    // said there; without, it fails the directory.
+    explicit ModuleDirectory(std::vector<std::string>* problems);
+    // What makes the module clash with those collected so far; empty if nothing does.
+    std::string firstClash(const IBuiltinModule& module) const;
+
     std::vector<std::shared_ptr<IBuiltinModule>> modules_;  // keeps the services alive
     std::map<std::string, const IBuiltinModule*, std::less<>> byBuiltin_;
 };
