@@ -48,4 +48,5 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/builtinConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/builtinConfigVersion.cmake
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/builtinConfig.cmake ${PROJECT_BINARY_DIR}/builtinConfigVersion.cmake
+              ${CMAKE_CURRENT_LIST_DIR}/BuiltinModule.cmake
         DESTINATION ${BUILTIN_CONFIG_DIR})

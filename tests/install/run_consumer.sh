@@ -15,3 +15,5 @@ cmake --build "$work/build" >/dev/null
 "$work/build/consumer"
 # Away from the build tree: nothing but the prefix may be found.
 cd "$work" && env -u KELDOR_INSTALL_ROOT "$work/prefix/bin/kcall" --json 'plus(1, 2)' 'class(counter(1))'
+# The author's module, from a folder given relative to the current one.
+env -u KELDOR_INSTALL_ROOT "$work/prefix/bin/kcall" --modules build/modules --json 'scale([1 2], 3)'

@@ -272,4 +272,4 @@ void declareSample(Module& module) {
 
 }  // namespace sample
 
-KELDOR_BUILTIN_MODULE("sample", sample::declareSample)
+KELDOR_BUILTIN_MODULE(KELDOR_MODULE_NAME, sample::declareSample)
