@@ -1,5 +1,5 @@
 // kcall over the sample module as a user runs it: JSON of literals and of each form of result,
-// statuses of warnings, errors and malformed lines, --list (lint of every builtin), --describe and
+// statuses of warnings, errors and malformed lines, --list, --lint, --modules, --describe and
 // --explain.
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -126,16 +127,34 @@ TEST(Kcall, WarningsErrorsAndStatuses) {
 }
 
 TEST(Kcall, ListDescribeAndExplain) {
-    // The sample module's fifteen builtins, for each of which lint finds nothing.
+    // The sample module's fifteen builtins, in which the lint finds nothing.
     std::istringstream list(kcall({"--list"}).out);
     std::vector<std::string> names;
     for (std::string name, module; list >> name >> module;) names.push_back(name);
     EXPECT_EQ(names.size(), 15u);
-    for (const std::string& name : names) {
-        EXPECT_NE(kcall({"--describe", name}).out.find("lint: nothing to report"),
-                  std::string::npos)
-            << name;
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        const char* out;
+        const char* err;
+    } lints[] = {
+        {{"--lint"}, 0, "lint: 15 builtins, 0 findings\n", ""},
+        {{"--lint", "sample"}, 0, "lint: 15 builtins, 0 findings\n", ""},
+        {{"--lint", "nothing"}, 1, "", "Error: no module named nothing is loaded\n"},
+    };
+    for (const auto& c : lints) {
+        const Outcome linted = kcall(c.arguments);
+        EXPECT_EQ(linted.status, c.status) << c.arguments.back();
+        EXPECT_EQ(linted.out, c.out);
+        EXPECT_EQ(linted.err, c.err);
     }
+    // A folder without modules is said on stderr, and the builtins serve all the same.
+    const std::string empty = testing::TempDir() + "kcall-empty." + std::to_string(::getpid());
+    std::filesystem::create_directory(empty);
+    const Outcome noModules = kcall({"--modules", empty, "plus(1, 2)"});
+    std::filesystem::remove(empty);
+    EXPECT_EQ(noModules.status, 0);
+    EXPECT_NE(noModules.err.find("no module bundle here"), std::string::npos) << noModules.err;
     EXPECT_NE(kcall({"--list"}).out.find("plus  (sample)\n"), std::string::npos);
     const Outcome described = kcall({"--describe", "round"});
     EXPECT_NE(

@@ -3,13 +3,15 @@
 //   kcall 'plus(1, 2)' 'x = [1 2; 3 4]' 'sum(x)'     each argument one line
 //   kcall                                           lines from standard input (a prompt on a
 //                                                   terminal)
-//   kcall --list | --describe NAME | --explain EXPR
+//   kcall --list | --describe NAME | --explain EXPR | --lint [MODULE]
 //
 // It starts the service framework and the builtin service bundles, then every module bundle of
 // the builtin services folder and of each --modules folder, and evaluates lines against the
 // builtins the modules declare. Exit status: 0, or 1 if a line failed (with arguments, the first
-// failure ends the run), 2 for a bad command line or modules that cannot start.
+// failure ends the run) or the lint found something, 2 for a bad command line. A module that
+// cannot be loaded is one warning on stderr; the others serve.
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -19,6 +21,7 @@
 #include <oneapi/tbb/global_control.h>
 #include <CLI/CLI.hpp>
 
+#include <builtin/declare/Lint.hpp>
 #include <builtin/declare/ModuleDirectory.hpp>
 #include <builtin/services/BuiltinServices.hpp>
 #include <fl/i18n.hpp>
@@ -56,10 +59,14 @@ struct Options {
     std::string describe;
     std::string explain;
     int threads = 0;
+    bool lint = false;
+    std::string lintModule;  // empty: every module
 };
 
+// A folder as the user means it: a relative one from the current folder.
 fl::filesystem::path folderOf(const std::string& utf8) {
-    const std::u16string text = fl::i18n::utf8_to_ustring(utf8);
+    const std::string absolute = std::filesystem::absolute(utf8).lexically_normal().string();
+    const std::u16string text = fl::i18n::utf8_to_ustring(absolute);
     return fl::filesystem::path(fl::filesystem::detail::make_native_form(text, true), true);
 }
 
@@ -89,6 +96,27 @@ int describe(const Norvane::builtin::declare::ModuleDirectory& modules, const st
     }
     std::cout << kcall::describeBuiltin(name, modules.moduleOf(name), *lists);
     return 0;
+}
+
+// Every finding of the lint for the builtins of one module, or of all; 1 if there is any.
+int lint(const Norvane::builtin::declare::ModuleDirectory& modules, const std::string& module) {
+    std::size_t findings = 0, builtins = 0;
+    for (const auto& [name, owner] : modules.list()) {
+        if (!module.empty() && owner != module) continue;
+        ++builtins;
+        for (const auto& finding :
+             Norvane::builtin::declare::lintVariantLists(name, *modules.lists(name))) {
+            std::cout << owner << ": " << finding.message << "\n";
+            ++findings;
+        }
+    }
+    if (builtins == 0 && !module.empty()) {
+        std::cerr << "Error: no module named " << module << " is loaded\n";
+        return 1;
+    }
+    std::cout << "lint: " << builtins << (builtins == 1 ? " builtin, " : " builtins, ") << findings
+              << (findings == 1 ? " finding\n" : " findings\n");
+    return findings == 0 ? 0 : 1;
 }
 
 int run(const Options& options, const kcall::BuiltinDirectory& builtins) {
@@ -133,9 +161,13 @@ int main(int argc, char** argv) {
                    "Show a builtin's variant lists and the lint's findings");
     app.add_option("--explain", options.explain,
                    "Evaluate a line and show, for each call, how its variant was chosen");
+    app.add_option("--lint", options.lintModule,
+                   "Lint every loaded builtin, or those of one module; exit 1 on any finding")
+        ->expected(0, 1);
     app.add_option("--threads", options.threads, "The most worker threads of element-wise loops")
         ->check(CLI::PositiveNumber);
     CLI11_PARSE(app, argc, argv);
+    options.lint = app.count("--lint") > 0;
     bool afterSeparator = false;
     for (const std::string& argument : app.remaining()) {
         if (!afterSeparator && argument == "--") {
@@ -158,8 +190,12 @@ int main(int argc, char** argv) {
         std::vector<fl::filesystem::path> folders{
             Norvane::builtin::declare::builtinServicesFolder()};
         for (const std::string& folder : options.moduleFolders) folders.push_back(folderOf(folder));
-        const auto modules = Norvane::builtin::declare::ModuleDirectory::start(folders);
+        // What could not be loaded is said, one line each; the rest of the modules serve.
+        std::vector<std::string> problems;
+        const auto modules = Norvane::builtin::declare::ModuleDirectory::start(folders, problems);
+        for (const std::string& problem : problems) std::cerr << "Warning: " << problem << "\n";
         showStringsAsText();
+        if (options.lint) return lint(modules, options.lintModule);
         if (options.list) return listBuiltins(modules);
         if (!options.describe.empty()) return describe(modules, options.describe);
         const Directory builtins(modules);
