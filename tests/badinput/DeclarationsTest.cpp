@@ -33,6 +33,17 @@ bool reportingSqrt(double x, double* out, IOrroBuiltinEnvironment*, OrroFunction
     return false;
 }
 
+double identity(double x) {
+    return x;
+}
+
+// A module whose declaring function makes the mistake; the module's name comes first.
+Row moduleRow(std::string input, void (*declare)(declare::Module&), const std::string& mistake) {
+    return {"module declaring " + std::move(input),
+            [declare] { declare::detail::declareModule("mine", declare); },
+            refusal<std::invalid_argument>("module mine: " + mistake)};
+}
+
 TEST(BadInput, Declarations) {
     runTable(
         "declarations",
@@ -70,6 +81,32 @@ TEST(BadInput, Declarations) {
                  module.builtin("late");
              },
              refusal<std::logic_error>("module done is finished: no builtin can be added")},
+            moduleRow(
+                "a flag beyond the inputs",
+                [](declare::Module& m) {
+                    m.builtin("f").def(&identity, declare::pure, declare::flag(2, "oops"));
+                },
+                "builtin f: the flag \"oops\" at position 2 lies beyond the inputs: the "
+                "function has 1 input, so a flag may stand at positions 0 to 1"),
+            moduleRow(
+                "a second flag beyond the inputs",
+                [](declare::Module& m) {
+                    m.builtin("f").def(&identity, declare::pure, declare::flag(0, "a"),
+                                       declare::flag(3, "b"));
+                },
+                "builtin f: the flag \"b\" at position 3 lies beyond the inputs: the "
+                "function has 1 input, so a flag may stand at positions 0 to 2"),
+            moduleRow(
+                "two flags at one position",
+                [](declare::Module& m) {
+                    m.builtin("f").def(&identity, declare::pure, declare::flag(1, "a"),
+                                       declare::flag(1, "b"));
+                },
+                "builtin f: the flags \"a\" and \"b\" stand at one position, 1"),
+            moduleRow(
+                "a builtin without a name",
+                [](declare::Module& m) { m.builtin("").def(&identity, declare::pure); },
+                "a builtin needs a name"),
         });
 }
 

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+#include "FlagChecks.hpp"
+
 namespace Norvane::builtin::declare {
 
 namespace {
@@ -101,6 +103,8 @@ void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
     const Behaviour behaviour = resolve(options, record.descriptor.callingConvention, name);
     builtinreg::detail::FlagList flags = options.flags;
     builtinreg::detail::sortFlags(flags);
+    checkFlags(name, record.signatures.inputs.empty() ? 0 : record.signatures.inputs[0].size(),
+               flags);
     // Flags go into every variant of the vector they are given, so each function gets its own.
     std::vector<BuiltinVariant> fresh;
     builtinreg::detail::appendNewVariants(

@@ -18,6 +18,7 @@ Module::~Module() = default;
 Builtin& Module::builtin(const std::string& name) {
     if (finished_)
         throw std::logic_error("module " + name_ + " is finished: no builtin can be added");
+    if (name.empty()) throw std::invalid_argument("a builtin needs a name");
     return declaring_.try_emplace(name, name).first->second;
 }
 
@@ -85,18 +86,26 @@ void logLintFindings(const Module& module) {
 
 namespace detail {
 
-void startModule(cppmicroservices::BundleContext& context, const std::string& name,
-                 void (*declare)(Module&)) {
+std::shared_ptr<Module> declareModule(const std::string& name, void (*declare)(Module&)) {
     auto module = std::make_shared<Module>(name);
     try {
-        checkManifestName(context, name);
         declare(*module);
         module->finish();
     } catch (const std::invalid_argument& mistake) {
         throw std::invalid_argument("module " + name + ": " + mistake.what());
     }
     logLintFindings(*module);
-    context.RegisterService<IBuiltinModule>(module,
+    return module;
+}
+
+void startModule(cppmicroservices::BundleContext& context, const std::string& name,
+                 void (*declare)(Module&)) {
+    try {
+        checkManifestName(context, name);
+    } catch (const std::invalid_argument& mistake) {
+        throw std::invalid_argument("module " + name + ": " + mistake.what());
+    }
+    context.RegisterService<IBuiltinModule>(declareModule(name, declare),
                                             {{moduleProperty, cppmicroservices::Any(name)}});
 }
 

@@ -34,7 +34,7 @@ public:
     ~Module() override;
 
     // The builtin of that name, for more declarations; made at its first use. Throws
-    // std::logic_error once the module is finished.
+    // std::logic_error once the module is finished, std::invalid_argument for an empty name.
     Builtin& builtin(const std::string& name);
 
     // Registers the native class C (Objects.hpp) with the class system and the engine, so that
@@ -69,7 +69,12 @@ inline constexpr const char* moduleBundleFilter = "(builtin-module=*)";
 
 namespace detail {
 
-// Declares and finishes the module and registers its service.
+// Declares and finishes the module, and logs what the lint finds. A mistake in a declaration
+// (std::invalid_argument) comes out with the module's name in front.
+BUILTIN_API std::shared_ptr<Module> declareModule(const std::string& name,
+                                                  void (*declare)(Module&));
+
+// Checks the name against the bundle's manifest, declares the module and registers its service.
 BUILTIN_API void startModule(cppmicroservices::BundleContext& context, const std::string& name,
                              void (*declare)(Module&));
 
