@@ -53,6 +53,9 @@ std::uint32_t countOwned(kaArray_tag* a) {
     matrix::releaseReference(a);
     return count;
 }
+double repeatCount(const std::string& text, const double& times) noexcept {
+    return static_cast<double>(text.size()) * times;
+}
 double fails(const kaArray_tag*, double) {
     throw std::runtime_error("failed");
 }
@@ -85,6 +88,26 @@ TEST_F(Declared, EntriesByTheTypesOfTheFunction) {
     EXPECT_EQ(callForDouble(done, {one.get(), two.get()}), 3);
     EXPECT_EQ(callForDouble(done, {one.get(), one.get(), one.get()}), 3);
     EXPECT_EQ(callForDouble(done, {ka::charArray("four").get()}), 4);
+}
+
+// As authors write them: noexcept, and parameters by const reference, which no ready-made entry
+// of the library can pass; through invoke and through the entry the engine calls.
+TEST_F(Declared, NoexceptFunctionsAndConstReferences) {
+    const DeclaredBuiltin done(std::move(Builtin("r").def(&repeatCount, pure)));
+    const ka::ArrayPtr text = ka::charArray("abc"), three = ka::scalar(3.0);
+    EXPECT_EQ(callForDouble(done, {text.get(), three.get()}), 9);
+
+    const BuiltinVariant& variant = done.lists().all.front();
+    EXPECT_NE(variant.functionDescriptor.typedEntry,
+              builtinreg::detail::getExportedInlineCWrapperFcn(nullptr, 1, 13, 1));
+    matrix::takeReference(text.get());  // the reference that the argument list hands over
+    bool pending = true;
+    const Parameter result = variant.functionDescriptor.typedEntry(
+        const_cast<OrroFunctionDescriptor*>(&variant.functionDescriptor), nullptr, pending,
+        ParameterList{Parameter(text.get()), Parameter(2.0)});
+    EXPECT_FALSE(pending);
+    EXPECT_EQ(boost::get<double>(result), 6);
+    EXPECT_EQ(text->refCount, 1u);
 }
 
 TEST_F(Declared, ArraysAreHeldForTheCallAndOwnedReferencesHandedOver) {

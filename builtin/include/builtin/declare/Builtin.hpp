@@ -90,10 +90,11 @@ struct Declared<Fn, TypeList<Inputs...>> {
         return made;
     }
 
-    // The library's wrapper where the types pass as they are, else the module's own entry.
+    // The library's wrapper where the types pass as they are, by value, else the module's own
+    // entry.
     static TypedEntry plainEntry() {
-        if constexpr (sizeof...(Inputs) <= 2 && (passesAsItIs<Inputs>() && ...) &&
-                      passesAsItIs<Output>()) {
+        if constexpr (sizeof...(Inputs) <= 2 && !S::takesReferences &&
+                      (passesAsItIs<Inputs>() && ...) && passesAsItIs<Output>()) {
             return builtinreg::detail::getExportedInlineCWrapperFcn(
                 nullptr, parameterIndexOf<Output>, parameterIndexOf<Inputs>...);
         } else {
@@ -107,8 +108,46 @@ struct Declared<Fn, TypeList<Inputs...>> {
                 (std::is_same_v<Inputs, Output> && ...) && detail::isUnboxedNumber<Output> &&
                 !std::is_same_v<Output, char16_t>,
             "an element-wise kernel is T f(T) or T f(T, T) with T one of the unboxed numbers");
+        static_assert(!S::takesReferences, "an element-wise kernel takes its numbers by value");
         return builtinreg::detail::getElementWiseEntry(nullptr, parameterIndexOf<Output>,
                                                        parameterIndexOf<Inputs>...);
+    }
+};
+
+// The first type of the function that cannot be declared, named by the one error of the build:
+// the inputs from the first (position 1), then the result.
+template <std::size_t Position, class... Inputs>
+struct FirstUndeclarable;
+template <std::size_t Position>
+struct FirstUndeclarable<Position> {
+    static constexpr bool found = false;
+};
+template <std::size_t Position, class T, class... Rest>
+struct FirstUndeclarable<Position, T, Rest...> {
+    static constexpr bool found =
+        !isDeclarableInput<T>() || FirstUndeclarable<Position + 1, Rest...>::found;
+    static void refuse() {
+        if constexpr (!isDeclarableInput<T>()) {
+            (void)sizeof(UndeclarableParameter<Position, T>);
+        } else {
+            FirstUndeclarable<Position + 1, Rest...>::refuse();
+        }
+    }
+};
+
+template <class Fn, class Inputs = typename Signature<Fn>::Inputs>
+struct Declarable;
+template <class Fn, class... Inputs>
+struct Declarable<Fn, TypeList<Inputs...>> {
+    using Output = typename Signature<Fn>::Output;
+    static constexpr bool value =
+        !FirstUndeclarable<1, Inputs...>::found && isDeclarableResult<Output>();
+    static void refuse() {
+        if constexpr (FirstUndeclarable<1, Inputs...>::found) {
+            FirstUndeclarable<1, Inputs...>::refuse();
+        } else {
+            (void)sizeof(UndeclarableResult<Output>);
+        }
     }
 };
 
@@ -141,19 +180,12 @@ public:
     Builtin& def(Fn fn, const Option&... options) {
         static_assert(std::is_pointer_v<Fn> && std::is_function_v<std::remove_pointer_t<Fn>>,
                       "def takes a pointer to a native function");
-        using D = detail::Declared<Fn, typename Signature<Fn>::Inputs>;
-        constexpr bool lifted = (std::is_same_v<Option, option::ElementWise> || ...);
-        Options declared;
-        (options.applyTo(declared), ...);
-        detail::FunctionRecord record{
-            reinterpret_cast<void*>(fn),
-            {detail::entryOf<D, lifted>(), reinterpret_cast<NativeEntry>(fn),
-             Signature<Fn>::convention},
-            lifted ? BuiltinVariant::IsElementWise::YES : BuiltinVariant::IsElementWise::NO,
-            D::signatures(declared.tolerance),
-            {}};
-        (addBoxingIf<Fn>(record.boxing, options), ...);
-        detail::addFunction(variants_, name_, std::move(record), declared);
+        if constexpr (detail::Declarable<Fn>::value) {
+            declareFunction(fn, options...);
+        } else {
+            // One error that names the type; nothing else of the declaration is compiled.
+            detail::Declarable<Fn>::refuse();
+        }
         return *this;
     }
 
@@ -169,6 +201,23 @@ public:
     const std::string& name() const { return name_; }
 
 private:
+    template <class Fn, class... Option>
+    void declareFunction(Fn fn, const Option&... options) {
+        using D = detail::Declared<Fn, typename Signature<Fn>::Inputs>;
+        constexpr bool lifted = (std::is_same_v<Option, option::ElementWise> || ...);
+        Options declared;
+        (options.applyTo(declared), ...);
+        detail::FunctionRecord record{
+            reinterpret_cast<void*>(fn),
+            {detail::entryOf<D, lifted>(), reinterpret_cast<NativeEntry>(fn),
+             Signature<Fn>::convention},
+            lifted ? BuiltinVariant::IsElementWise::YES : BuiltinVariant::IsElementWise::NO,
+            D::signatures(declared.tolerance),
+            {}};
+        (addBoxingIf<Fn>(record.boxing, options), ...);
+        detail::addFunction(variants_, name_, std::move(record), declared);
+    }
+
     template <class Fn, class Option>
     static void addBoxingIf(std::vector<detail::BoxingRecord>& records, const Option& option) {
         if constexpr (requires { detail::addBoxingOf<Fn>(records, option); }) {

@@ -16,15 +16,19 @@
 // Results: the numbers and char16_t, kaArray_tag* (a new reference, handed on), ka::ArrayPtr,
 // std::u16string and std::string (returned as a string), or void.
 //
-// Any other type stops the build at UndeclarableParameter<T>, which names it.
+// Parameters may also be taken by const reference (const std::string&, const double&). Any other
+// type stops the build with one error, at UndeclarableParameter<position, T> (position from 1)
+// or UndeclarableResult<T>, which name it.
 #pragma once
 
 #include <complex>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include <boost/container/small_vector.hpp>
 #include <boost/mpl/contains.hpp>
@@ -45,10 +49,17 @@ using CallHolders = boost::container::small_vector<
 
 namespace detail {
 
-template <class T>
+template <std::size_t Position, class T>
 struct UndeclarableParameter {
+    static_assert(Position == 0,
+                  "the parameter at this position has a type that no builtin can take: see "
+                  "<builtin/declare/Parameters.hpp> for the types that can");
+};
+
+template <class T>
+struct UndeclarableResult {
     static_assert(sizeof(T) == 0,
-                  "this type cannot be a parameter or result of a builtin: see "
+                  "this result type is not one that a builtin can give: see "
                   "<builtin/declare/Parameters.hpp> for the types that can");
 };
 
@@ -79,8 +90,9 @@ constexpr bool isNumericAlternative() {
 
 }  // namespace detail
 
+// A type without traits is not declarable; `def` says so once, naming it (isDeclarableInput).
 template <class T, class = void>
-struct ParameterTraits : detail::UndeclarableParameter<T> {};
+struct ParameterTraits {};
 
 // Unboxed numbers: exactly the numeric alternatives of Parameter.
 template <class T>
@@ -212,6 +224,22 @@ struct ParameterTraits<ScalarString> {
                                                              holders)};
     }
 };
+
+// Whether a parameter of type T can be declared, and a result of type T given.
+template <class T>
+constexpr bool isDeclarableInput() {
+    return requires(const Parameter& argument, CallHolders& holders) {
+        ParameterTraits<T>::count;
+        ParameterTraits<T>::getter;
+        ParameterTraits<T>::from(argument, holders);
+    };
+}
+template <class T>
+constexpr bool isDeclarableResult() {
+    return std::is_void_v<T> || std::is_same_v<T, kaArray_tag*> || requires(T value) {
+        ParameterTraits<T>::toParameter(std::move(value));
+    };
+}
 
 // Whether the type stands for arrays of open shape, which only a relaxed type can take: such a
 // parameter is relaxed whatever its declaration's tolerance.

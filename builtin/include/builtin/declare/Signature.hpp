@@ -1,5 +1,7 @@
 // What the C++ type of a native function says about it: its calling convention, its inputs
-// and its output. The convention is read off the trailing parameters:
+// and its output. A noexcept function is read as the same function without it, and an input
+// taken by const reference as the value it refers to. The convention is read off the trailing
+// parameters:
 //
 //   R f(A...)                                                          Direct
 //   R f(A..., OrroFunctionDescriptor*)                                 DirectWithDescriptor
@@ -25,12 +27,24 @@ struct TypeList {
 
 namespace detail {
 
-template <class Tuple, std::size_t... I>
-TypeList<std::tuple_element_t<I, Tuple>...> firstOf(std::index_sequence<I...>);
+// An input as the declaration sees it: the value that a const reference refers to. Any other
+// reference is left as it is, for the check of declarable types to name.
+template <class A>
+using Taken =
+    std::conditional_t<std::is_lvalue_reference_v<A> && std::is_const_v<std::remove_reference_t<A>>,
+                       std::remove_cvref_t<A>, A>;
 
-// The first N types of the pack.
+template <class Tuple, std::size_t... I>
+TypeList<Taken<std::tuple_element_t<I, Tuple>>...> firstOf(std::index_sequence<I...>);
+
+// The first N types of the pack, each as it is taken.
 template <std::size_t N, class... A>
 using First = decltype(firstOf<std::tuple<A...>>(std::make_index_sequence<N>()));
+
+template <class Tuple, std::size_t... I>
+constexpr bool anyReference(std::index_sequence<I...>) {
+    return (std::is_reference_v<std::tuple_element_t<I, Tuple>> || ...);
+}
 
 // The type K places from the end of the pack, K from 1.
 template <std::size_t K, class... A>
@@ -78,6 +92,13 @@ struct Signature<R (*)(A...)> {
     using Inputs = detail::First<sizeof...(A) - trailing, A...>;
     using Output = typename detail::OutputOf<convention, R, A...>::type;
     using Function = R (*)(A...);
+    // Whether an input is a reference, which only an entry that knows the function's own type
+    // can pass; the library's ready-made entries pass values.
+    static constexpr bool takesReferences =
+        detail::anyReference<std::tuple<A...>>(std::make_index_sequence<sizeof...(A) - trailing>());
 };
+
+template <class R, class... A>
+struct Signature<R (*)(A...) noexcept> : Signature<R (*)(A...)> {};
 
 }  // namespace Norvane::builtin::declare
