@@ -22,6 +22,13 @@ else
   echo "=== format: clang-format is missing, so the format is not checked (scripts/setup.sh installs it)"
 fi
 
+# A compiler cache keyed by paths relative to the checkout, so that a second run, or a fresh
+# clone on the same machine (as CI's is), compiles only what changed.
+if command -v ccache >/dev/null; then
+  export CMAKE_CXX_COMPILER_LAUNCHER=ccache CMAKE_C_COMPILER_LAUNCHER=ccache
+  export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
+fi
+
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(release asan tsan)
 jobs=$(nproc)
