@@ -107,7 +107,7 @@ ka::ArrayPtr sparse() {
 
 Row interpreted(
     std::string input, const char* name, std::vector<ka::ArrayPtr> (*make)(), int nlhs = 1,
-    Refusal expected = refusal<std::logic_error>("builtin function implementation is nullptr")) {
+    Refusal expected = refusal<NoVariantTakesCall>("builtin function implementation is nullptr")) {
     return {std::string(name) + "(" + input + ")", [name, make, nlhs] { call(name, make(), nlhs); },
             std::move(expected)};
 }

@@ -25,7 +25,7 @@ Row interpreted(const char* name, ka::Dims d0, ka::Dims d1, kaClassID classId = 
     return {std::string(name) + " of " + testing::PrintToString(d0) + " and " +
                 testing::PrintToString(d1),
             [=] { call(name, arrays(zeros(d0, classId, c), zeros(d1, classId, c))); },
-            refusal<std::logic_error>("builtin function implementation is nullptr")};
+            refusal<NoVariantTakesCall>("builtin function implementation is nullptr")};
 }
 
 Row engine(const char* name, std::vector<std::string> types, ka::Dims d0, ka::Dims d1,

@@ -21,7 +21,7 @@ using Arrays = std::vector<ka::ArrayPtr>;
 
 const Refusal badUtf8 = refusal<std::invalid_argument>("invalid UTF-8 text");
 const Refusal badUtf16 = refusal<std::invalid_argument>("invalid UTF-16 text");
-const Refusal noVariant = refusal<std::logic_error>("builtin function implementation is nullptr");
+const Refusal noVariant = refusal<NoVariantTakesCall>("builtin function implementation is nullptr");
 
 const std::u16string loneHigh(1, char16_t(0xD800));
 const std::u16string loneLow(1, char16_t(0xDC00));

@@ -8,6 +8,7 @@
 
 #include <builtin/types/ClassifyKaArray.hpp>
 #include <builtin/variants/BuiltinVariantLists.hpp>
+#include <builtin/variants/VariantAcceptance.hpp>
 #include <builtin/variants/VariantSignature.hpp>
 
 #include "../invoke/InvokeSupport.hpp"
@@ -18,49 +19,92 @@ namespace {
 
 class VariantAcceptance : public testsupport::LiveArrayTest {};
 
-bool accepts(const BuiltinVariant& variant, std::size_t nlhs, std::vector<kaArray_tag*> args) {
+// The verdict on a call of fresh double arrays of these shapes (and a char row where a shape is
+// empty of dimensions), checked against the yes-or-no answer that invoke asks for.
+AcceptanceVerdict verdictOn(const BuiltinVariant& variant, std::size_t nlhs,
+                            const std::vector<ka::Dims>& shapes) {
+    std::vector<ka::ArrayPtr> arrays;
+    std::vector<kaArray_tag*> args;
+    for (const ka::Dims& d : shapes) {
+        args.push_back(arrays
+                           .emplace_back(d.empty() ? ka::charArray("text")
+                                                   : ka::createNumeric(kaDOUBLE_CLASS, d))
+                           .get());
+    }
     ClassificationCache cache;
-    return variant == VariantSignature(nlhs, args.size(), args.data(), &cache);
+    const VariantSignature signature(nlhs, args.size(), args.data(), &cache);
+    const AcceptanceVerdict verdict = judgeCall(variant, signature);
+    EXPECT_EQ(variant == signature, verdict.takes());
+    return verdict;
 }
 
-TEST_F(VariantAcceptance, CountsOfInputsAndOutputs) {
-    const ka::ArrayPtr x = ka::scalar(2.0);
-    EXPECT_TRUE(accepts(makeVariant({}), 0, {}));
-    EXPECT_TRUE(accepts(makeVariant({.out = {scalar()}}), 0, {}));  // one output for none asked
-    EXPECT_FALSE(accepts(makeVariant({.out = {scalar(), scalar()}}), 0, {}));
-    EXPECT_FALSE(accepts(makeVariant({.in = {scalar()}}), 0, {x.get(), x.get()}));
-}
-
-TEST_F(VariantAcceptance, ElementWiseShapeTest) {
+TEST_F(VariantAcceptance, VerdictsOfCountsTypesAndShapes) {
+    using O = AcceptanceVerdict::Outcome;
+    constexpr std::size_t none = AcceptanceVerdict::kNone;
     const auto lifted = [](std::size_t inputs) {
         return makeVariant(
             {.in = std::vector<ArgType>(inputs, scalar()), .elementWise = V::IsElementWise::YES});
     };
+    const ka::Dims one = {1, 1}, text = {};
     const struct {
         const char* name;
         BuiltinVariant variant;
+        std::size_t nlhs;
         std::vector<ka::Dims> shapes;
-        bool accepted;
+        O outcome;
+        std::size_t input = none, arrayInput = none;
     } cases[] = {
-        {"2x3 with 2x1", lifted(2), {{2, 3}, {2, 1}}, true},
-        {"2x3 with 3x2", lifted(2), {{2, 3}, {3, 2}}, false},
-        {"0x3 with 0x3", lifted(2), {{0, 3}, {0, 3}}, false},
-        {"2x3 with 2x3x4: third not compared", lifted(2), {{2, 3}, {2, 3, 4}}, true},
-        {"2x3x4 with 2x3x5", lifted(2), {{2, 3, 4}, {2, 3, 5}}, false},
-        {"one empty array", lifted(1), {{0, 3}}, true},
-        {"three arrays", lifted(3), {{2, 2}, {2, 2}, {2, 2}}, false},
+        {"nothing for nothing", makeVariant({}), 0, {}, O::TAKES},
+        {"one output for none asked", makeVariant({.out = {scalar()}}), 0, {}, O::TAKES},
+        {"two outputs for none asked",
+         makeVariant({.out = {scalar(), scalar()}}),
+         0,
+         {},
+         O::REFUSED_BY_COUNT},
+        {"one input, two arguments",
+         makeVariant({.in = {scalar()}}),
+         0,
+         {one, one},
+         O::REFUSED_BY_COUNT},
+        {"text for a double",
+         makeVariant({.in = {scalar(), scalar()}}),
+         0,
+         {one, text},
+         O::REFUSED_BY_TYPE,
+         1},
+        {"an array, not element-wise",
+         makeVariant({.in = {scalar()}}),
+         0,
+         {{2, 3}},
+         O::REFUSED_BY_TYPE,
+         0},
+        {"2x3 with 2x1", lifted(2), 0, {{2, 3}, {2, 1}}, O::TAKES_ELEMENT_WISE, 0},
+        {"2x3 with text", lifted(2), 0, {{2, 3}, text}, O::REFUSED_BY_TYPE, 0, 1},
+        {"2x3 with 3x2", lifted(2), 0, {{2, 3}, {3, 2}}, O::SHAPES_DO_NOT_BROADCAST, 0},
+        {"0x3 with 0x3", lifted(2), 0, {{0, 3}, {0, 3}}, O::SHAPES_DO_NOT_BROADCAST, 0},
+        {"2x3 with 2x3x4: third not compared",
+         lifted(2),
+         0,
+         {{2, 3}, {2, 3, 4}},
+         O::TAKES_ELEMENT_WISE,
+         0},
+        {"2x3x4 with 2x3x5", lifted(2), 0, {{2, 3, 4}, {2, 3, 5}}, O::SHAPES_DO_NOT_BROADCAST, 0},
+        {"one empty array", lifted(1), 0, {{0, 3}}, O::TAKES_ELEMENT_WISE, 0},
+        {"three arrays", lifted(3), 0, {{2, 2}, {2, 2}, {2, 2}}, O::SHAPES_DO_NOT_BROADCAST, 0},
         {"flag between two arrays that disagree",
          makeVariant({.in = {scalar(), flag("x"), scalar()}, .elementWise = V::IsElementWise::YES}),
+         0,
          {{2, 3}, {1, 1}, {3, 2}},
-         false},
-        {"not element-wise", makeVariant({.in = {scalar()}}), {{2, 3}}, false},
+         O::REFUSED_BY_TYPE,
+         0,
+         1},
     };
     for (const auto& c : cases) {
-        std::vector<ka::ArrayPtr> arrays;
-        std::vector<kaArray_tag*> args;
-        for (const ka::Dims& d : c.shapes)
-            args.push_back(arrays.emplace_back(ka::createNumeric(kaDOUBLE_CLASS, d)).get());
-        EXPECT_EQ(accepts(c.variant, 0, args), c.accepted) << c.name;
+        SCOPED_TRACE(c.name);
+        const AcceptanceVerdict verdict = verdictOn(c.variant, c.nlhs, c.shapes);
+        EXPECT_EQ(verdict.outcome, c.outcome);
+        EXPECT_EQ(verdict.input, c.input);
+        EXPECT_EQ(verdict.arrayInput, c.arrayInput);
     }
 }
 

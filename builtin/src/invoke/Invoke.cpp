@@ -22,11 +22,11 @@
 
 #include <boost/variant/get.hpp>
 
+#include <builtin/variants/VariantAcceptance.hpp>
 #include <builtin/variants/VariantSignature.hpp>
 #include <ka/ka.hpp>
 
 #include "../calling/ParameterToKaArray.hpp"
-#include "../variants/VariantAcceptance.hpp"
 
 namespace Norvane::builtin {
 
@@ -85,62 +85,16 @@ bool hasComplexScalar(int nrhs, kaArray_tag* const* prhs) {
     return false;
 }
 
-// The list after Orro with complex scalars is looked at only when it has something extra, and
-// only then are the arguments scanned.
-VariantArray afterOrroList(const VariantArray& afterOrro, const VariantArray& complexScalar,
-                           int nrhs, kaArray_tag* const* prhs) {
-    if (complexScalar.second > afterOrro.second && hasComplexScalar(nrhs, prhs)) {
-        return complexScalar;
-    }
-    return afterOrro;
-}
-
-// The arity of variants and calls, as the lists are sorted: input count first, then output
-// count. Counts are compared as byte lengths of the type vectors, which spares a division for
-// each look at a variant during the search.
-class Arity {
-public:
-    Arity(std::size_t nlhs, std::size_t nrhs)
-        : inputBytes_(nrhs * sizeof(ArgType)), outputBytes_(nlhs * sizeof(ArgType)) {}
-
-    // Whether the variant sorts ahead of every candidate of the call.
-    bool before(const BuiltinVariant& variant) const {
-        const std::size_t inputs = bytes(variant.inputArgTypes);
-        return inputs < inputBytes_ ||
-               (inputs == inputBytes_ && bytes(variant.outputArgTypes) < outputBytes_);
-    }
-
-    // Whether the variant is a candidate. A call that asks for no output takes the variants of
-    // no output and of one output, which follow each other in the list.
-    bool fits(const BuiltinVariant& variant) const {
-        if (bytes(variant.inputArgTypes) != inputBytes_) {
-            return false;
-        }
-        const std::size_t outputs = bytes(variant.outputArgTypes);
-        return outputs == outputBytes_ || (outputBytes_ == 0 && outputs == sizeof(ArgType));
-    }
-
-private:
-    static std::size_t bytes(const std::vector<ArgType>& types) {
-        const auto* first = reinterpret_cast<const char*>(std::to_address(types.begin()));
-        const auto* last = reinterpret_cast<const char*>(std::to_address(types.end()));
-        return static_cast<std::size_t>(last - first);
-    }
-
-    std::size_t inputBytes_;
-    std::size_t outputBytes_;
-};
-
 // The first variant of the list that accepts the call; precedence is the order of the list. The
-// candidates start where a binary search puts the call's arity, and the walk stops at the first
+// candidates start where a binary search puts the call's counts, and the walk stops at the first
 // that accepts, which is usually among the first few, so the end of the candidates is found by
 // looking at each as it comes rather than by a second search.
 const BuiltinVariant* findVariant(const VariantArray& list, const VariantSignature& signature) {
     const BuiltinVariant* const end = list.first + list.second;
-    const Arity arity(signature.nlhs, signature.nrhs);
+    const detail::CallArity arity(signature.nlhs, signature.nrhs);
     const BuiltinVariant* candidate = std::partition_point(
-        list.first, end, [&arity](const BuiltinVariant& v) { return arity.before(v); });
-    for (; candidate != end && arity.fits(*candidate); ++candidate) {
+        list.first, end, [&arity](const BuiltinVariant& v) { return arity.sortsBefore(v); });
+    for (; candidate != end && arity.accepts(*candidate); ++candidate) {
         if (detail::acceptsArguments(*candidate, signature)) {
             return candidate;
         }
@@ -238,11 +192,28 @@ bool invokeFirstAccepting(const VariantArray& list, std::size_t nlhs, kaArray_ta
 
 }  // namespace
 
+NoVariantTakesCall::NoVariantTakesCall()
+    : std::logic_error("builtin function implementation is nullptr") {}
+
+VariantArray BuiltinFcn::searchedByInvoke(VariantsToConsider variantsToConsider, int nrhs,
+                                          kaArray_tag* const* prhs) const {
+    if (variantsToConsider == VariantsToConsider::InvokeNoOrro) {
+        return searchedByInvokeNoOrro_;
+    }
+    // The list after Orro with complex scalars is looked at only when it has something extra,
+    // and only then are the arguments scanned.
+    if (searchedByInvokeAfterOrroComplexScalar_.second > searchedByInvokeAfterOrro_.second &&
+        hasComplexScalar(nrhs, prhs)) {
+        return searchedByInvokeAfterOrroComplexScalar_;
+    }
+    return searchedByInvokeAfterOrro_;
+}
+
 void BuiltinFcn::invokeDefaultImplementation(int nlhs, kaArray_tag** plhs, int nrhs,
                                              kaArray_tag** prhs) const {
     const NativeEntry entry = defaultVariant_.functionDescriptor.nativeEntry;
     if (entry == nullptr) {
-        throw std::logic_error("builtin function implementation is nullptr");
+        throw NoVariantTakesCall();
     }
     auto* const descriptor =
         const_cast<OrroFunctionDescriptor*>(&defaultVariant_.functionDescriptor);
@@ -254,11 +225,7 @@ void BuiltinFcn::invoke(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** pr
     if (nlhs < 0 || nrhs < 0) [[unlikely]] {
         throw std::invalid_argument("BuiltinFcn::invoke: negative count of outputs or arguments");
     }
-    const VariantArray list =
-        variantsToConsider == VariantsToConsider::InvokeNoOrro
-            ? searchedByInvokeNoOrro_
-            : afterOrroList(searchedByInvokeAfterOrro_, searchedByInvokeAfterOrroComplexScalar_,
-                            nrhs, prhs);
+    const VariantArray list = searchedByInvoke(variantsToConsider, nrhs, prhs);
     if (list.second != 0 && invokeFirstAccepting(list, static_cast<std::size_t>(nlhs), plhs,
                                                  static_cast<std::size_t>(nrhs), prhs)) {
         return;

@@ -2,7 +2,11 @@
 // order of a variant against a call. Both are on the path of every interpreted call, so counts
 // are compared before any argument is classified, and arguments are reached only through the
 // signature, which classifies each at most once.
-#include "VariantAcceptance.hpp"
+//
+// The yes-or-no answer of invoke and the verdict of a host that explains the choice are one
+// template over what is noted on the way: nothing for invoke, where it compiles away, and the
+// reason for judgeCall.
+#include <builtin/variants/VariantAcceptance.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -14,14 +18,27 @@ namespace Norvane::builtin {
 
 namespace {
 
-bool countsAccept(const BuiltinVariant& variant, const VariantSignature& signature) {
-    if (variant.inputArgTypes.size() != signature.nrhs) {
-        return false;
+using Outcome = AcceptanceVerdict::Outcome;
+
+// What invoke notes while it judges: nothing.
+struct NoNotes {
+    void refusedAt(std::size_t) {}
+    void refusedAsArrayAt(std::size_t) {}
+    void shapesDisagree() {}
+    void liftedOverArrays() {}
+};
+
+// What a verdict notes: the reason, and where.
+struct VerdictNotes {
+    AcceptanceVerdict verdict{Outcome::TAKES};
+    void refusedAt(std::size_t i) {
+        verdict.outcome = Outcome::REFUSED_BY_TYPE;
+        verdict.input = i;
     }
-    const std::size_t outputs = variant.outputArgTypes.size();
-    // A call that asks for no output may still be served by a one-output variant.
-    return outputs == signature.nlhs || (signature.nlhs == 0 && outputs == 1);
-}
+    void refusedAsArrayAt(std::size_t i) { verdict.arrayInput = i; }
+    void shapesDisagree() { verdict.outcome = Outcome::SHAPES_DO_NOT_BROADCAST; }
+    void liftedOverArrays() { verdict.outcome = Outcome::TAKES_ELEMENT_WISE; }
+};
 
 // Two array dimensions that an element-wise kernel can run over together: both nonzero, and
 // equal or one of them 1.
@@ -61,38 +78,64 @@ bool elementWiseShapesAgree(const BuiltinVariant& variant, const VariantSignatur
     return true;
 }
 
-bool acceptsAsElementWise(const BuiltinVariant& variant, const VariantSignature& signature) {
+// Step 3: the element-wise retry, from the first input again.
+template <class Notes>
+bool acceptsAsElementWise(const BuiltinVariant& variant, const VariantSignature& signature,
+                          Notes& notes) {
     for (std::size_t i = 0; i < signature.nrhs; ++i) {
         if (!types::isAcceptable(types::asElementWiseArrayType(variant.inputArgTypes[i]),
                                  signature.argType(i))) {
+            notes.refusedAsArrayAt(i);
             return false;
         }
     }
-    return elementWiseShapesAgree(variant, signature);
+    if (!elementWiseShapesAgree(variant, signature)) {
+        notes.shapesDisagree();
+        return false;
+    }
+    notes.liftedOverArrays();
+    return true;
 }
 
-}  // namespace
-
-bool detail::acceptsCall(const BuiltinVariant& variant, const VariantSignature& signature) {
-    return countsAccept(variant, signature) && acceptsArguments(variant, signature);
-}
-
-bool detail::acceptsArguments(const BuiltinVariant& variant, const VariantSignature& signature) {
+// Steps 2 and 3, for a variant whose counts fit the call. Inlined into both of its callers, so
+// that invoke's search makes no call more than before for the verdicts' sake.
+template <class Notes>
+[[gnu::always_inline]] inline bool argumentsAccept(const BuiltinVariant& variant,
+                                                   const VariantSignature& signature,
+                                                   Notes& notes) {
     for (std::size_t i = 0; i < signature.nrhs; ++i) {
         if (!types::isAcceptable(variant.inputArgTypes[i], signature.argType(i))) {
-            // A scalar kernel may still take arrays when it can be lifted; that try starts
-            // again from the first input.
+            notes.refusedAt(i);
+            // A scalar kernel may still take arrays when it can be lifted.
             return variant.isElementWise == BuiltinVariant::IsElementWise::YES &&
-                   acceptsAsElementWise(variant, signature);
+                   acceptsAsElementWise(variant, signature, notes);
         }
     }
     return true;
 }
 
-bool BuiltinVariant::operator==(const VariantSignature& signature) const {
-    return detail::acceptsCall(*this, signature);
+}  // namespace
+
+bool detail::acceptsArguments(const BuiltinVariant& variant, const VariantSignature& signature) {
+    NoNotes notes;
+    return argumentsAccept(variant, signature, notes);
 }
 
+AcceptanceVerdict judgeCall(const BuiltinVariant& variant, const VariantSignature& signature) {
+    if (!detail::CallArity(signature.nlhs, signature.nrhs).accepts(variant)) {
+        return {Outcome::REFUSED_BY_COUNT};
+    }
+    VerdictNotes notes;
+    argumentsAccept(variant, signature, notes);
+    return notes.verdict;
+}
+
+bool BuiltinVariant::operator==(const VariantSignature& signature) const {
+    return detail::CallArity(signature.nlhs, signature.nrhs).accepts(*this) &&
+           detail::acceptsArguments(*this, signature);
+}
+
+// The engine's: where a call would stand among the variants; nothing in this library asks.
 bool BuiltinVariant::operator<(const VariantSignature& signature) const {
     if (inputArgTypes.size() != signature.nrhs) {
         return inputArgTypes.size() < signature.nrhs;
@@ -118,6 +161,7 @@ bool BuiltinVariant::operator<(const VariantSignature& signature) const {
     return false;
 }
 
+// The engine's too: neither taken nor sorting before the call.
 bool BuiltinVariant::operator>(const VariantSignature& signature) const {
     return !(*this == signature) && !(*this < signature);
 }

@@ -4,14 +4,18 @@
 
 #include <builtin/declare/Lint.hpp>
 #include <builtin/types/ArgType.hpp>
+#include <builtin/variants/VariantAcceptance.hpp>
 #include <builtin/variants/VariantSignature.hpp>
 
 namespace kcall {
 
 namespace {
 
+using Norvane::builtin::AcceptanceVerdict;
+using Norvane::builtin::BuiltinFcn;
 using Norvane::builtin::BuiltinVariant;
 using Norvane::builtin::ClassificationCache;
+using Norvane::builtin::judgeCall;
 using Norvane::builtin::VariantSignature;
 using Norvane::builtin::declare::signatureText;
 using Norvane::builtin::types::ArgType;
@@ -43,46 +47,20 @@ void writeList(std::ostream& os, const char* title, const std::vector<BuiltinVar
     for (const BuiltinVariant& v : list) os << lineOf(v);
 }
 
-bool fitsArity(const BuiltinVariant& v, std::size_t nrhs, std::size_t nlhs) {
-    const std::size_t outputs = v.outputArgTypes.size();
-    return v.inputArgTypes.size() == nrhs && (outputs == nlhs || (nlhs == 0 && outputs == 1));
-}
-
-struct Verdict {
-    bool takes = false;
-    bool asArrays = false;  // taken element by element
-    std::string why;        // of a refusal
-};
-
-// Whether the variant takes the call, and why not. The first look is at the declared types; an
-// element-wise variant looks again at them as arrays, then at the shapes.
-Verdict verdictOf(const BuiltinVariant& v, const VariantSignature& signature,
-                  std::span<kaArray_tag* const> arguments) {
-    const auto refusedAt = [&](auto typeAt) -> std::size_t {
-        for (std::size_t i = 0; i < v.inputArgTypes.size(); ++i) {
-            if (!Norvane::builtin::types::isAcceptable(typeAt(i), signature.getArgType(i)))
-                return i;
-        }
-        return v.inputArgTypes.size();
-    };
-    const std::size_t first = refusedAt([&](std::size_t i) { return v.inputArgTypes[i]; });
-    if (first == v.inputArgTypes.size()) return {true, false, {}};
+// Why the variant refused the call, from the library's verdict, with the arguments at fault.
+std::string refusal(const BuiltinVariant& v, const AcceptanceVerdict& verdict,
+                    std::span<kaArray_tag* const> arguments) {
+    if (verdict.outcome == AcceptanceVerdict::Outcome::SHAPES_DO_NOT_BROADCAST) {
+        return "element by element, the arrays' sizes do not agree";
+    }
+    const std::size_t at =
+        verdict.arrayInput != AcceptanceVerdict::kNone ? verdict.arrayInput : verdict.input;
     const std::string input =
-        "input " + std::to_string(first + 1) + " is " + describeValue(arguments[first]);
-    if (v.isElementWise != BuiltinVariant::IsElementWise::YES) {
-        return {false, false, input + ", which " + v.inputTypes[first] + " does not take"};
+        "input " + std::to_string(at + 1) + " is " + describeValue(arguments[at]);
+    if (verdict.arrayInput != AcceptanceVerdict::kNone) {
+        return input + ", neither " + v.inputTypes[at] + " nor an array of it";
     }
-    const std::size_t asArrays = refusedAt([&](std::size_t i) {
-        return Norvane::builtin::types::asElementWiseArrayType(v.inputArgTypes[i]);
-    });
-    if (asArrays != v.inputArgTypes.size()) {
-        return {false, false,
-                "input " + std::to_string(asArrays + 1) + " is " +
-                    describeValue(arguments[asArrays]) + ", neither " + v.inputTypes[asArrays] +
-                    " nor an array of it"};
-    }
-    if (v == signature) return {true, true, {}};
-    return {false, false, "element by element, the arrays' sizes do not agree"};
+    return input + ", which " + v.inputTypes[at] + " does not take";
 }
 
 }  // namespace
@@ -114,8 +92,7 @@ std::string describeBuiltin(std::string_view name, std::string_view module,
     return os.str();
 }
 
-std::string explainCall(std::string_view name,
-                        const Norvane::builtin::builtinreg::BuiltinVariantLists& lists,
+std::string explainCall(std::string_view name, const Norvane::builtin::BuiltinFcn& fcn,
                         std::span<kaArray_tag* const> arguments, std::size_t nlhs) {
     std::ostringstream os;
     os << name << "(";
@@ -126,17 +103,22 @@ std::string explainCall(std::string_view name,
        << " asked; invoke searches its list without the engine:\n";
     ClassificationCache cache;
     const VariantSignature signature(nlhs, arguments.size(), arguments.data(), &cache);
+    const int nrhs = static_cast<int>(arguments.size());
+    const auto [list, count] =
+        fcn.searchedByInvoke(BuiltinFcn::VariantsToConsider::InvokeNoOrro, nrhs, arguments.data());
     std::size_t tried = 0;
-    for (const BuiltinVariant& v : lists.searchedByInvokeNoOrro) {
-        if (!fitsArity(v, arguments.size(), nlhs)) continue;
-        ++tried;
-        const Verdict verdict = verdictOf(v, signature, arguments);
-        os << "  " << tried << ". " << signatureText(v) << ": ";
-        if (verdict.takes) {
-            os << "takes the call" << (verdict.asArrays ? ", element by element\n" : "\n");
+    for (const BuiltinVariant& v : std::span(list, count)) {
+        const AcceptanceVerdict verdict = judgeCall(v, signature);
+        if (verdict.outcome == AcceptanceVerdict::Outcome::REFUSED_BY_COUNT) continue;
+        os << "  " << ++tried << ". " << signatureText(v) << ": ";
+        if (verdict.takes()) {
+            os << "takes the call"
+               << (verdict.outcome == AcceptanceVerdict::Outcome::TAKES_ELEMENT_WISE
+                       ? ", element by element\n"
+                       : "\n");
             return os.str();
         }
-        os << "refused: " << verdict.why << '\n';
+        os << "refused: " << refusal(v, verdict, arguments) << '\n';
     }
     if (tried == 0)
         os << "  no variant has " << arguments.size() << " inputs and " << nlhs << " outputs\n";

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include <builtin/invoke/BuiltinFcn.hpp>
 #include <builtin/variants/BuiltinVariantLists.hpp>
 #include <ka/ka.hpp>
 
@@ -19,10 +20,10 @@ std::string describeValue(const kaArray_tag* value);
 std::string describeBuiltin(std::string_view name, std::string_view module,
                             const Norvane::builtin::builtinreg::BuiltinVariantLists& lists);
 
-// How invoke, searching the list without the engine, treats a call of the builtin with these
-// arguments asking for nlhs outputs.
-std::string explainCall(std::string_view name,
-                        const Norvane::builtin::builtinreg::BuiltinVariantLists& lists,
+// How invoke, searching the list it searches without the engine, treats a call of the builtin
+// with these arguments asking for nlhs outputs: each candidate with the verdict of the library's
+// acceptance rule, up to the one that takes the call.
+std::string explainCall(std::string_view name, const Norvane::builtin::BuiltinFcn& fcn,
                         std::span<kaArray_tag* const> arguments, std::size_t nlhs);
 
 }  // namespace kcall

@@ -91,9 +91,8 @@ ka::ArrayPtr Evaluator::call(const Expr& expr, int nlhs) {
     kaArray_tag* result[1] = {nullptr};
     try {
         fcn->call(nlhs, result, static_cast<int>(arguments.size()), arguments.data());
-    } catch (const std::logic_error& e) {
-        // What invoke says when no variant takes a call and there is no default: say it plainly.
-        if (std::string_view(e.what()) != "builtin function implementation is nullptr") throw;
+    } catch (const Norvane::builtin::NoVariantTakesCall&) {
+        // Said plainly, with what the call was given.
         std::string message = "no variant of " + expr.text + " takes (";
         const char* separator = "";
         for (kaArray_tag* argument : arguments)

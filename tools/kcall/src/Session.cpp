@@ -46,8 +46,8 @@ bool Session::runLine(std::string_view line) {
 void Session::explainCalls(const BuiltinDirectory& builtins, std::ostream& out) {
     evaluator_.observeCalls([&builtins, &out](const std::string& name,
                                               std::span<kaArray_tag* const> arguments, int nlhs) {
-        if (const auto* lists = builtins.lists(name)) {
-            out << explainCall(name, *lists, arguments, static_cast<std::size_t>(nlhs));
+        if (const auto* fcn = builtins.find(name)) {
+            out << explainCall(name, *fcn, arguments, static_cast<std::size_t>(nlhs));
         }
     });
 }

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -26,6 +27,14 @@ namespace Norvane::builtin {
 namespace builtinreg {
 struct BuiltinVariantLists;
 }
+
+// What invoke throws when no variant takes a call and the builtin has no default
+// implementation, with the text "builtin function implementation is nullptr". Callers that
+// catch std::logic_error still do; a host that explains the refusal catches this type.
+class BUILTIN_API NoVariantTakesCall : public std::logic_error {
+public:
+    NoVariantTakesCall();
+};
 
 class BUILTIN_API BuiltinFcn {
 public:
@@ -60,10 +69,16 @@ public:
     // Calls the builtin with arrays. Fills plhs[0] when nlhs is 1, or when nlhs is 0, plhs is
     // not null and the chosen variant has an output; otherwise a result is released. Lets
     // through what the builtin throws, after its warnings have gone to matrix::handleWarning.
-    // Throws std::logic_error when no variant takes the call and there is no default
+    // Throws NoVariantTakesCall when no variant takes the call and there is no default
     // implementation, and std::invalid_argument for a negative count.
     void invoke(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
                 VariantsToConsider variantsToConsider) const;
+
+    // The list that invoke searches, in order, for a call with these arguments: the one without
+    // the engine, or the one after it, which with a complex scalar among the arguments may
+    // hold more.
+    VariantArray searchedByInvoke(VariantsToConsider variantsToConsider, int nrhs,
+                                  kaArray_tag* const* prhs) const;
 
 protected:
     // No name, no variants and no default implementation.

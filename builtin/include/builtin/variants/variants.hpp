@@ -7,4 +7,5 @@
 #include <builtin/variants/BuiltinVariant.hpp>
 #include <builtin/variants/BuiltinVariantLists.hpp>
 #include <builtin/variants/MakeVariant.hpp>
+#include <builtin/variants/VariantAcceptance.hpp>
 #include <builtin/variants/VariantSignature.hpp>
