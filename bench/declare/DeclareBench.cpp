@@ -40,10 +40,16 @@ ArgType scalarOf(kaClassID element) {
 std::vector<BuiltinVariant> handBuiltPlus() {
     const auto native = reinterpret_cast<NativeEntry>(&add);
     const auto variant = [&](std::vector<ArgType> in, TypedEntry entry) {
-        return V(nullptr, OrroFunctionDescriptor{entry, native, JIT_CALLING_CONVENTION::Direct},
-                 std::move(in), {scalarOf(kaDOUBLE_CLASS)}, V::CallsIntoKeldor::NO,
-                 V::HasWarnings::NO, V::HasExceptions::NO, V::HasSideEffects::NO, "add", "plus",
-                 "double", V::IsElementWise::NO);
+        return V({.functionDescriptor = {entry, native, JIT_CALLING_CONVENTION::Direct},
+                  .inputArgTypes = std::move(in),
+                  .outputArgTypes = {scalarOf(kaDOUBLE_CLASS)},
+                  .mayCallIntoKeldor = V::CallsIntoKeldor::NO,
+                  .mayRaiseWarnings = V::HasWarnings::NO,
+                  .mayThrowErrors = V::HasExceptions::NO,
+                  .mayHaveSideEffects = V::HasSideEffects::NO,
+                  .cppFunctionName = "add",
+                  .keldorFunctionName = "plus",
+                  .dominantClass = "double"});
     };
     const TypedEntry binary = builtinreg::detail::getExportedInlineCWrapperFcn(
         nullptr, parameterIndexOf<double>, parameterIndexOf<double>, parameterIndexOf<double>);
@@ -62,8 +68,10 @@ std::vector<BuiltinVariant> handBuiltPlus() {
 class HandBuilt final : public BuiltinFcn {
 public:
     explicit HandBuilt(const std::vector<BuiltinVariant>& list)
-        : BuiltinFcn("plus", {}, {list.data(), list.size()}, {}, {}, {list.data(), list.size()},
-                     BuiltinVariant(), nullptr, {}) {}
+        : BuiltinFcn("plus", {},
+                     VariantArrays{.all = {list.data(), list.size()},
+                                   .searchedByInvokeNoOrro = {list.data(), list.size()}},
+                     BuiltinVariant()) {}
     void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
         invoke(nlhs, plhs, nrhs, prhs, VariantsToConsider::InvokeNoOrro);
     }

@@ -55,10 +55,16 @@ constexpr std::size_t elements = 10'000'000;
 template <std::size_t Inputs>
 BuiltinVariant liftedVariant(NativeEntry kernel) {
     using V = BuiltinVariant;
-    return BuiltinVariant(
-        nullptr, {&elementWiseEntry<double, Inputs>, kernel, JIT_CALLING_CONVENTION::Direct}, {},
-        {}, V::CallsIntoKeldor::NO, V::HasWarnings::NO, V::HasExceptions::NO, V::HasSideEffects::NO,
-        "kernel", "kernel", "double", V::IsElementWise::YES);
+    return BuiltinVariant({.functionDescriptor = {&elementWiseEntry<double, Inputs>, kernel,
+                                                  JIT_CALLING_CONVENTION::Direct},
+                           .mayCallIntoKeldor = V::CallsIntoKeldor::NO,
+                           .mayRaiseWarnings = V::HasWarnings::NO,
+                           .mayThrowErrors = V::HasExceptions::NO,
+                           .mayHaveSideEffects = V::HasSideEffects::NO,
+                           .cppFunctionName = "kernel",
+                           .keldorFunctionName = "kernel",
+                           .dominantClass = "double",
+                           .isElementWise = V::IsElementWise::YES});
 }
 
 ka::ArrayPtr randomArray(const ka::Dims& dims) {

@@ -47,10 +47,16 @@ ArgType scalarOf(kaClassID element) {
 
 BuiltinVariant variant(std::vector<ArgType> in, std::vector<ArgType> out, TypedEntry entry,
                        NativeEntry native, const char* name) {
-    return BuiltinVariant(
-        nullptr, OrroFunctionDescriptor{entry, native, JIT_CALLING_CONVENTION::Direct},
-        std::move(in), std::move(out), V::CallsIntoKeldor::NO, V::HasWarnings::NO,
-        V::HasExceptions::NO, V::HasSideEffects::NO, name, "sqrt", "double", V::IsElementWise::NO);
+    return BuiltinVariant({.functionDescriptor = {entry, native, JIT_CALLING_CONVENTION::Direct},
+                           .inputArgTypes = std::move(in),
+                           .outputArgTypes = std::move(out),
+                           .mayCallIntoKeldor = V::CallsIntoKeldor::NO,
+                           .mayRaiseWarnings = V::HasWarnings::NO,
+                           .mayThrowErrors = V::HasExceptions::NO,
+                           .mayHaveSideEffects = V::HasSideEffects::NO,
+                           .cppFunctionName = name,
+                           .keldorFunctionName = "sqrt",
+                           .dominantClass = "double"});
 }
 
 // The double-to-double variant among ten others of other arities and types, sorted as the
@@ -98,8 +104,10 @@ std::vector<BuiltinVariant> makeList(bool refusedFirst) {
 class BenchFcn final : public BuiltinFcn {
 public:
     explicit BenchFcn(const std::vector<BuiltinVariant>& list)
-        : BuiltinFcn("sqrt", {}, {list.data(), list.size()}, {}, {}, {list.data(), list.size()},
-                     BuiltinVariant(), nullptr, {}) {}
+        : BuiltinFcn("sqrt", {},
+                     VariantArrays{.all = {list.data(), list.size()},
+                                   .searchedByInvokeNoOrro = {list.data(), list.size()}},
+                     BuiltinVariant()) {}
     void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
         invoke(nlhs, plhs, nrhs, prhs, VariantsToConsider::InvokeNoOrro);
     }

@@ -29,12 +29,19 @@ builtinreg::BuiltinVariantLists twiceLists() {
         builtinreg::getArgTypes(SignatureTolerance::STRICT, {1}, {number}, number);
 
     std::vector<BuiltinVariant> variants;
-    builtinreg::detail::appendNewVariants(
-        variants, reinterpret_cast<void*>(&twice), BuiltinVariant::CallsIntoKeldor::NO,
-        BuiltinVariant::HasSideEffects::NO, "twice", "twice", "double", /*flags=*/{},
-        BuiltinVariant::HasExceptions::NO, descriptor, BuiltinVariant::IsElementWise::NO,
-        BuiltinVariant::HasWarnings::NO, std::move(signatures.outputs),
-        std::move(signatures.inputs));
+    // What holds for every signature of the function; each variant gets its own inputs.
+    const VariantDeclaration prototype{.functionDescriptor = descriptor,
+                                       .developerFunction = reinterpret_cast<void*>(&twice),
+                                       .outputArgTypes = std::move(signatures.outputs),
+                                       .mayCallIntoKeldor = BuiltinVariant::CallsIntoKeldor::NO,
+                                       .mayRaiseWarnings = BuiltinVariant::HasWarnings::NO,
+                                       .mayThrowErrors = BuiltinVariant::HasExceptions::NO,
+                                       .mayHaveSideEffects = BuiltinVariant::HasSideEffects::NO,
+                                       .cppFunctionName = "twice",
+                                       .keldorFunctionName = "twice",
+                                       .dominantClass = "double"};
+    builtinreg::detail::appendNewVariants(variants, prototype, /*flags=*/{},
+                                          std::move(signatures.inputs));
     return builtinreg::BuiltinVariantLists(std::move(variants));
 }
 

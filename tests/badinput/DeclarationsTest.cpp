@@ -104,6 +104,13 @@ TEST(BadInput, Declarations) {
                 },
                 "builtin f: the flags \"a\" and \"b\" stand at one position, 1"),
             moduleRow(
+                "a boxing declaration beside a flag",
+                [](declare::Module& m) {
+                    m.builtin("f").def(&identity, declare::pure, declare::boxed<double>(),
+                                       declare::flag(1, "fast"));
+                },
+                "builtin f: a boxing declaration names one type per input"),
+            moduleRow(
                 "a builtin without a name",
                 [](declare::Module& m) { m.builtin("").def(&identity, declare::pure); },
                 "a builtin needs a name"),

@@ -95,9 +95,13 @@ class TestFcn final : public BuiltinFcn {
 public:
     TestFcn() = default;
     TestFcn(const Lists& l, BuiltinVariant defaultImpl)
-        : BuiltinFcn("testfcn", capabilities::CapabilityList(5), view(l.all), view(l.orro),
-                     view(l.afterOrro), view(l.noOrro), std::move(defaultImpl), nullptr,
-                     view(l.complexScalar)) {}
+        : BuiltinFcn("testfcn", capabilities::CapabilityList(5),
+                     {.all = view(l.all),
+                      .searchedByOrro = view(l.orro),
+                      .searchedByInvokeNoOrro = view(l.noOrro),
+                      .searchedByInvokeAfterOrro = view(l.afterOrro),
+                      .searchedByInvokeAfterOrroComplexScalar = view(l.complexScalar)},
+                     std::move(defaultImpl)) {}
     void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const override {
         invoke(nlhs, plhs, nrhs, prhs, Consider::InvokeNoOrro);
     }

@@ -1,5 +1,6 @@
 // Builders for the tests of variants and of the interpreted call: common ArgTypes, and a
-// variant made from a declaration whose unnamed parts default to a quiet Direct function.
+// variant made from a declaration whose unnamed parts default to a quiet Direct function, where
+// the library's own record (VariantDeclaration) defaults to a function that may do anything.
 #pragma once
 
 #include <memory>
@@ -52,10 +53,20 @@ struct Declaration {
     void* developerFunction = nullptr;
 };
 
+// The library's record with the defaults above, which the tests of matching and lists share.
 inline BuiltinVariant makeVariant(Declaration d) {
-    return BuiltinVariant(d.developerFunction, {d.typedEntry, d.nativeEntry, d.convention},
-                          std::move(d.in), std::move(d.out), d.callsBack, d.warns, d.throws,
-                          d.sideEffects, std::move(d.name), "fn", "double", d.elementWise);
+    return BuiltinVariant({.functionDescriptor = {d.typedEntry, d.nativeEntry, d.convention},
+                           .developerFunction = d.developerFunction,
+                           .inputArgTypes = std::move(d.in),
+                           .outputArgTypes = std::move(d.out),
+                           .mayCallIntoKeldor = d.callsBack,
+                           .mayRaiseWarnings = d.warns,
+                           .mayThrowErrors = d.throws,
+                           .mayHaveSideEffects = d.sideEffects,
+                           .cppFunctionName = std::move(d.name),
+                           .keldorFunctionName = "fn",
+                           .dominantClass = "double",
+                           .isElementWise = d.elementWise});
 }
 
 // A boxing variant of `source` with the boxed signature of `boxed`.

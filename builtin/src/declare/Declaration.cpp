@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "DeclaredBehaviour.hpp"
 #include "FlagChecks.hpp"
 
 namespace Norvane::builtin::declare {
@@ -12,36 +13,22 @@ namespace {
 
 using V = BuiltinVariant;
 
-struct Behaviour {
-    V::CallsIntoKeldor callsBack;
-    V::HasSideEffects sideEffects;
-    V::HasWarnings warns;
-    V::HasExceptions errors;
-};
-
-// The safe answer where the author said nothing: a function may call back and may have side
-// effects; it may warn and fail exactly if its form lets it report.
-Behaviour resolve(const Options& options, JIT_CALLING_CONVENTION convention,
-                  const std::string& name) {
+// The record of a declared function's variants, checked against what its form can do. Options
+// only ever take reports away, so a function of another form never reports; one of the
+// reporting form must keep one of the two.
+VariantDeclaration resolve(const Options& options, JIT_CALLING_CONVENTION convention,
+                           const std::string& name) {
     const bool canReport = convention == JIT_CALLING_CONVENTION::CanThrow;
-    const bool warns = options.warns.value_or(canReport);
-    const bool errors = options.errors.value_or(canReport);
-    if (!canReport && (warns || errors)) {
-        throw std::invalid_argument(
-            "builtin " + name +
-            ": a function that warns or fails reports through its environment: "
-            "bool f(inputs..., R* out, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*)");
-    }
-    if (canReport && !warns && !errors) {
+    VariantDeclaration declared = detail::declarationOf(name, options, canReport);
+    const bool reports = declared.mayRaiseWarnings == V::HasWarnings::YES ||
+                         declared.mayThrowErrors == V::HasExceptions::YES;
+    if (canReport && !reports) {
         throw std::invalid_argument(
             "builtin " + name +
             ": a function of the reporting form must be "
             "able to warn or to fail; declare it without noWarnings or noErrors");
     }
-    return {options.callsBack.value_or(true) ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
-            options.sideEffects.value_or(true) ? V::HasSideEffects::YES : V::HasSideEffects::NO,
-            warns ? V::HasWarnings::YES : V::HasWarnings::NO,
-            errors ? V::HasExceptions::YES : V::HasExceptions::NO};
+    return declared;
 }
 
 // Whatever the arguments' types, the builtin is called as the interpreter calls it without
@@ -100,20 +87,35 @@ void addBoxingVariants(std::vector<BuiltinVariant>& variants,
 
 void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
                  FunctionRecord&& record, const Options& options) {
-    const Behaviour behaviour = resolve(options, record.descriptor.callingConvention, name);
+    VariantDeclaration prototype = resolve(options, record.descriptor.callingConvention, name);
+    prototype.functionDescriptor = record.descriptor;
+    prototype.developerFunction = record.developerFunction;
+    prototype.outputArgTypes = std::move(record.signatures.outputs);
+    prototype.isElementWise = record.elementWise;
     builtinreg::detail::FlagList flags = options.flags;
     builtinreg::detail::sortFlags(flags);
     checkFlags(name, record.signatures.inputs.empty() ? 0 : record.signatures.inputs[0].size(),
                flags);
     // Flags go into every variant of the vector they are given, so each function gets its own.
     std::vector<BuiltinVariant> fresh;
-    builtinreg::detail::appendNewVariants(
-        fresh, record.developerFunction, behaviour.callsBack, behaviour.sideEffects,
-        options.cppName.empty() ? name : options.cppName, name, options.dominantClass, flags,
-        behaviour.errors, record.descriptor, record.elementWise, behaviour.warns,
-        std::move(record.signatures.outputs), std::move(record.signatures.inputs));
+    builtinreg::detail::appendNewVariants(fresh, prototype, flags,
+                                          std::move(record.signatures.inputs));
     addBoxingVariants(fresh, record.boxing);
     variants = builtinreg::detail::appendVariants(std::move(variants), std::move(fresh));
+}
+
+VariantDeclaration declarationOf(const std::string& name, const Options& options, bool canReport) {
+    return {.mayCallIntoKeldor =
+                options.callsBack.value_or(true) ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
+            .mayRaiseWarnings =
+                options.warns.value_or(canReport) ? V::HasWarnings::YES : V::HasWarnings::NO,
+            .mayThrowErrors =
+                options.errors.value_or(canReport) ? V::HasExceptions::YES : V::HasExceptions::NO,
+            .mayHaveSideEffects =
+                options.sideEffects.value_or(true) ? V::HasSideEffects::YES : V::HasSideEffects::NO,
+            .cppFunctionName = options.cppName.empty() ? name : options.cppName,
+            .keldorFunctionName = name,
+            .dominantClass = options.dominantClass};
 }
 
 }  // namespace detail

@@ -18,6 +18,8 @@
 #include <fl/i18n.hpp>
 #include <ka/ka.hpp>
 
+#include "DeclaredBehaviour.hpp"
+
 namespace Norvane::builtin::declare::detail {
 
 namespace {
@@ -71,19 +73,13 @@ void runGuarded(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
 
 BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function, const std::string& name,
                                 const Options& options) {
-    const bool warns = options.warns.value_or(true);
-    const bool errors = options.errors.value_or(true);
-    return BuiltinVariant(
-        reinterpret_cast<void*>(function),
-        OrroFunctionDescriptor{nullptr, reinterpret_cast<NativeEntry>(&runGuarded),
-                               JIT_CALLING_CONVENTION::CanThrow},
-        {}, {types::plainArrayArgType(0)},
-        options.callsBack.value_or(true) ? V::CallsIntoKeldor::YES : V::CallsIntoKeldor::NO,
-        warns ? V::HasWarnings::YES : V::HasWarnings::NO,
-        errors ? V::HasExceptions::YES : V::HasExceptions::NO,
-        options.sideEffects.value_or(true) ? V::HasSideEffects::YES : V::HasSideEffects::NO,
-        options.cppName.empty() ? name : options.cppName, name, options.dominantClass,
-        V::IsElementWise::NO);
+    // An array function reports by throwing and warning, so it may do both unless it says not.
+    VariantDeclaration declared = declarationOf(name, options, true);
+    declared.functionDescriptor = {nullptr, reinterpret_cast<NativeEntry>(&runGuarded),
+                                   JIT_CALLING_CONVENTION::CanThrow};
+    declared.developerFunction = reinterpret_cast<void*>(function);
+    declared.outputArgTypes = {types::plainArrayArgType(0)};
+    return BuiltinVariant(std::move(declared));
 }
 
 }  // namespace Norvane::builtin::declare::detail

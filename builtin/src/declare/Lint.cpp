@@ -60,15 +60,6 @@ bool covers(const BuiltinVariant& earlier, const BuiltinVariant& later) {
     return true;
 }
 
-// The level the variant's own declarations give it, before shadowing.
-OrroSupportLevel ownLevel(const BuiltinVariant& v) {
-    return BuiltinVariant(v.developerFunction, v.functionDescriptor, v.inputArgTypes,
-                          v.outputArgTypes, v.mayCallIntoKeldor, v.mayRaiseWarnings,
-                          v.mayThrowErrors, v.mayHaveSideEffects, v.cppFunctionName,
-                          v.keldorFunctionName, v.dominantClass, v.isElementWise)
-        .orroSupportLevel;
-}
-
 }  // namespace
 
 std::vector<LintFinding> lintVariantLists(const std::string& name,
@@ -93,7 +84,7 @@ std::vector<LintFinding> lintVariantLists(const std::string& name,
     }
     for (const BuiltinVariant& v : lists.all) {
         if (!v.originalVariant && v.orroSupportLevel == OrroSupportLevel::NO_SUPPORT &&
-            ownLevel(v) != OrroSupportLevel::NO_SUPPORT) {
+            declaredSupportLevel(v) != OrroSupportLevel::NO_SUPPORT) {
             findings.push_back(
                 {LintFinding::Kind::LOWERED,
                  name + ": " + signatureText(v) +

@@ -41,6 +41,8 @@ VariantArray viewOf(const std::vector<BuiltinVariant>& list) {
 
 BuiltinFcn::BuiltinFcn() = default;
 
+// The positional form is the one that does the work, so that its trace names the constructor
+// the runtime's derived classes call.
 BuiltinFcn::BuiltinFcn(std::string name, capabilities::CapabilityList capabilities,
                        VariantArray all, VariantArray searchedByOrro,
                        VariantArray searchedByInvokeAfterOrro, VariantArray searchedByInvokeNoOrro,
@@ -62,12 +64,24 @@ BuiltinFcn::BuiltinFcn(std::string name, capabilities::CapabilityList capabiliti
 }
 
 BuiltinFcn::BuiltinFcn(std::string name, capabilities::CapabilityList capabilities,
+                       const VariantArrays& arrays, BuiltinVariant defaultVariant,
+                       Zfh_KELDOR_fn* decoratedFn)
+    : BuiltinFcn(std::move(name), capabilities, arrays.all, arrays.searchedByOrro,
+                 arrays.searchedByInvokeAfterOrro, arrays.searchedByInvokeNoOrro,
+                 std::move(defaultVariant), decoratedFn,
+                 arrays.searchedByInvokeAfterOrroComplexScalar) {}
+
+BuiltinFcn::BuiltinFcn(std::string name, capabilities::CapabilityList capabilities,
                        const builtinreg::BuiltinVariantLists& lists, BuiltinVariant defaultVariant,
                        Zfh_KELDOR_fn* decoratedFn)
-    : BuiltinFcn(std::move(name), capabilities, viewOf(lists.all), viewOf(lists.searchedByOrro),
-                 viewOf(lists.searchedByInvokeAfterOrro), viewOf(lists.searchedByInvokeNoOrro),
-                 std::move(defaultVariant), decoratedFn,
-                 viewOf(lists.searchedByInvokeAfterOrroComplexScalarRhs)) {}
+    : BuiltinFcn(std::move(name), capabilities,
+                 VariantArrays{.all = viewOf(lists.all),
+                               .searchedByOrro = viewOf(lists.searchedByOrro),
+                               .searchedByInvokeNoOrro = viewOf(lists.searchedByInvokeNoOrro),
+                               .searchedByInvokeAfterOrro = viewOf(lists.searchedByInvokeAfterOrro),
+                               .searchedByInvokeAfterOrroComplexScalar =
+                                   viewOf(lists.searchedByInvokeAfterOrroComplexScalarRhs)},
+                 std::move(defaultVariant), decoratedFn) {}
 
 BuiltinFcn::BuiltinFcn(const BuiltinFcn& other) = default;
 

@@ -45,25 +45,20 @@ OrroSupportLevel foldSupportLevel(OrroSupportLevel level, const std::vector<ArgT
 
 BuiltinVariant::BuiltinVariant() = default;
 
-BuiltinVariant::BuiltinVariant(void* const developerFcn, OrroFunctionDescriptor descriptor,
-                               std::vector<ArgType> inputs, std::vector<ArgType> outputs,
-                               CallsIntoKeldor callsIntoKeldor, HasWarnings hasWarnings,
-                               HasExceptions hasExceptions, HasSideEffects hasSideEffects,
-                               std::string cppName, std::string keldorName, std::string dominant,
-                               IsElementWise elementWise)
-    : functionDescriptor(descriptor),
-      developerFunction(developerFcn),
-      inputArgTypes(std::move(inputs)),
-      outputArgTypes(std::move(outputs)),
-      mayCallIntoKeldor(callsIntoKeldor),
-      mayRaiseWarnings(hasWarnings),
-      mayThrowErrors(hasExceptions),
-      mayHaveSideEffects(hasSideEffects),
-      cppFunctionName(std::move(cppName)),
-      keldorFunctionName(std::move(keldorName)),
-      dominantClass(std::move(dominant)),
+BuiltinVariant::BuiltinVariant(VariantDeclaration declaration)
+    : functionDescriptor(declaration.functionDescriptor),
+      developerFunction(declaration.developerFunction),
+      inputArgTypes(std::move(declaration.inputArgTypes)),
+      outputArgTypes(std::move(declaration.outputArgTypes)),
+      mayCallIntoKeldor(declaration.mayCallIntoKeldor),
+      mayRaiseWarnings(declaration.mayRaiseWarnings),
+      mayThrowErrors(declaration.mayThrowErrors),
+      mayHaveSideEffects(declaration.mayHaveSideEffects),
+      cppFunctionName(std::move(declaration.cppFunctionName)),
+      keldorFunctionName(std::move(declaration.keldorFunctionName)),
+      dominantClass(std::move(declaration.dominantClass)),
       orroSupportLevel(OrroSupportLevel::NO_SUPPORT),
-      isElementWise(elementWise) {
+      isElementWise(declaration.isElementWise) {
     // A function that only warns reports through the environment as well, so it needs
     // CanThrow as much as one that fails. A default implementation is never called that way.
     const bool isDefaultImpl = functionDescriptor.typedEntry == nullptr;
@@ -77,19 +72,41 @@ BuiltinVariant::BuiltinVariant(void* const developerFcn, OrroFunctionDescriptor 
 
     inputTypes = typeExpressions(inputArgTypes, ArgTypeDirection::INPUT);
     outputTypes = typeExpressions(outputArgTypes, ArgTypeDirection::OUTPUT);
+    orroSupportLevel = declaredSupportLevel(*this);
+}
 
-    OrroSupportLevel level = isSet(mayCallIntoKeldor) ? OrroSupportLevel::NO_SUPPORT
-                                                      : OrroSupportLevel::EQUIVALENT_SUPPORT;
-    level = foldSupportLevel(level, outputArgTypes, ArgTypeDirection::OUTPUT);
-    level = foldSupportLevel(level, inputArgTypes, ArgTypeDirection::INPUT);
+BuiltinVariant::BuiltinVariant(void* const developerFcn, OrroFunctionDescriptor descriptor,
+                               std::vector<ArgType> inputs, std::vector<ArgType> outputs,
+                               CallsIntoKeldor callsIntoKeldor, HasWarnings hasWarnings,
+                               HasExceptions hasExceptions, HasSideEffects hasSideEffects,
+                               std::string cppName, std::string keldorName, std::string dominant,
+                               IsElementWise elementWise)
+    : BuiltinVariant(VariantDeclaration{.functionDescriptor = descriptor,
+                                        .developerFunction = developerFcn,
+                                        .inputArgTypes = std::move(inputs),
+                                        .outputArgTypes = std::move(outputs),
+                                        .mayCallIntoKeldor = callsIntoKeldor,
+                                        .mayRaiseWarnings = hasWarnings,
+                                        .mayThrowErrors = hasExceptions,
+                                        .mayHaveSideEffects = hasSideEffects,
+                                        .cppFunctionName = std::move(cppName),
+                                        .keldorFunctionName = std::move(keldorName),
+                                        .dominantClass = std::move(dominant),
+                                        .isElementWise = elementWise}) {}
+
+OrroSupportLevel declaredSupportLevel(const BuiltinVariant& v) {
+    OrroSupportLevel level = isSet(v.mayCallIntoKeldor) ? OrroSupportLevel::NO_SUPPORT
+                                                        : OrroSupportLevel::EQUIVALENT_SUPPORT;
+    level = foldSupportLevel(level, v.outputArgTypes, ArgTypeDirection::OUTPUT);
+    level = foldSupportLevel(level, v.inputArgTypes, ArgTypeDirection::INPUT);
     // The engine runs lifted kernels without the guards an interpreted call has, so a kernel
     // that reports, has effects or calls back is never offered to it.
-    if (isElementWise == IsElementWise::YES &&
-        (isSet(mayHaveSideEffects) || isSet(mayCallIntoKeldor) || isSet(mayRaiseWarnings) ||
-         isSet(mayThrowErrors))) {
+    if (v.isElementWise == BuiltinVariant::IsElementWise::YES &&
+        (isSet(v.mayHaveSideEffects) || isSet(v.mayCallIntoKeldor) || isSet(v.mayRaiseWarnings) ||
+         isSet(v.mayThrowErrors))) {
         level = combine(level, OrroSupportLevel::NO_SUPPORT);
     }
-    orroSupportLevel = level;
+    return level;
 }
 
 BuiltinVariant::BuiltinVariant(const BuiltinVariant&) = default;

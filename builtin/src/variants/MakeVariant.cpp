@@ -18,6 +18,21 @@ bool isUnsupported(const ArgType& type) {
 
 }  // namespace
 
+void appendNewVariants(std::vector<BuiltinVariant>& variants, const VariantDeclaration& prototype,
+                       const FlagList& flags, std::vector<std::vector<ArgType>>&& inputs) {
+    variants.reserve(variants.size() + inputs.size());
+    for (std::vector<ArgType>& signature : inputs) {
+        VariantDeclaration declaration = prototype;
+        declaration.inputArgTypes = std::move(signature);
+        variants.emplace_back(std::move(declaration));
+    }
+    // Flags go in after the support level is worked out; a flag is fully supported, so the
+    // level stands, and a flag never makes a variant unsupported.
+    removeUnsupportedVariants(variants);
+    addFlagInputTypes(variants, flags);
+    sortVariants(variants);
+}
+
 void appendNewVariants(std::vector<BuiltinVariant>& variants, void* developerFunction,
                        BuiltinVariant::CallsIntoKeldor mayCallIntoKeldor,
                        BuiltinVariant::HasSideEffects mayHaveSideEffects,
@@ -28,18 +43,19 @@ void appendNewVariants(std::vector<BuiltinVariant>& variants, void* developerFun
                        BuiltinVariant::IsElementWise isElementWise,
                        BuiltinVariant::HasWarnings mayRaiseWarnings, std::vector<ArgType>&& outputs,
                        std::vector<std::vector<ArgType>>&& inputs) {
-    variants.reserve(variants.size() + inputs.size());
-    for (std::vector<ArgType>& signature : inputs) {
-        variants.emplace_back(
-            developerFunction, descriptor, std::move(signature), outputs, mayCallIntoKeldor,
-            mayRaiseWarnings, mayThrowErrors, mayHaveSideEffects, std::string(cppFunctionName),
-            std::string(keldorFunctionName), std::string(dominantClass), isElementWise);
-    }
-    // Flags go in after the support level is worked out; a flag is fully supported, so the
-    // level stands, and a flag never makes a variant unsupported.
-    removeUnsupportedVariants(variants);
-    addFlagInputTypes(variants, flags);
-    sortVariants(variants);
+    appendNewVariants(variants,
+                      {.functionDescriptor = descriptor,
+                       .developerFunction = developerFunction,
+                       .outputArgTypes = std::move(outputs),
+                       .mayCallIntoKeldor = mayCallIntoKeldor,
+                       .mayRaiseWarnings = mayRaiseWarnings,
+                       .mayThrowErrors = mayThrowErrors,
+                       .mayHaveSideEffects = mayHaveSideEffects,
+                       .cppFunctionName = std::string(cppFunctionName),
+                       .keldorFunctionName = std::string(keldorFunctionName),
+                       .dominantClass = std::string(dominantClass),
+                       .isElementWise = isElementWise},
+                      flags, std::move(inputs));
 }
 
 std::vector<BuiltinVariant> appendVariants(std::vector<BuiltinVariant>&& first,

@@ -44,6 +44,16 @@ public:
         InvokeAfterOrro = 1,  // the engine has passed the call on
     };
 
+    // The variant arrays that a builtin views, by name; an empty one is null and 0. Each must be
+    // in the order of BuiltinVariant::operator< and outlive the builtin.
+    struct VariantArrays {
+        VariantArray all = {};
+        VariantArray searchedByOrro = {};
+        VariantArray searchedByInvokeNoOrro = {};
+        VariantArray searchedByInvokeAfterOrro = {};
+        VariantArray searchedByInvokeAfterOrroComplexScalar = {};
+    };
+
     // The form of a default implementation's native entry; it receives the address of the
     // default variant's descriptor.
     using ArrayFunction = void (*)(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
@@ -59,11 +69,14 @@ public:
     virtual void call(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs) const = 0;
     // A copy of the derived object, owned by the caller.
     virtual BuiltinFcn* clone() const = 0;
-    // Empty unless a derived class says otherwise; the same string object every time.
+    // Empty unless a derived class says otherwise; the same string object every time. For the
+    // runtime's help, which asks every builtin; nothing in this library does.
     virtual const std::string& getHelpContent() const;
 
     const std::string& getName() const { return name_; }
     const VariantArray& getAllVariants() const { return allVariants_; }
+    // The runtime's callable object of the builtin, handed in at construction; for the runtime,
+    // which keeps it with the builtin. invoke does not use it.
     Zfh_KELDOR_fn* getDecoratedFn() const { return decoratedFn_; }
 
     // Calls the builtin with arrays. Fills plhs[0] when nlhs is 1, or when nlhs is 0, plhs is
@@ -83,8 +96,12 @@ public:
 protected:
     // No name, no variants and no default implementation.
     BuiltinFcn();
-    // The arrays must be in the order of BuiltinVariant::operator< and outlive this object.
-    // Mind the order: after Orro before no Orro, and the complex-scalar list last.
+    // Views the arrays, named, as the code of this project builds builtins.
+    BuiltinFcn(std::string name, capabilities::CapabilityList capabilities,
+               const VariantArrays& arrays, BuiltinVariant defaultVariant,
+               Zfh_KELDOR_fn* decoratedFn = nullptr);
+    // The same positionally, for derived classes in other modules of the runtime: after Orro
+    // before no Orro, and the complex-scalar list last.
     BuiltinFcn(std::string name, capabilities::CapabilityList capabilities, VariantArray all,
                VariantArray searchedByOrro, VariantArray searchedByInvokeAfterOrro,
                VariantArray searchedByInvokeNoOrro, BuiltinVariant defaultVariant,

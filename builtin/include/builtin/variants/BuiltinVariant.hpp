@@ -29,6 +29,7 @@ using types::ArgType;
 using types::OrroSupportLevel;
 
 struct VariantSignature;
+struct VariantDeclaration;
 
 struct BUILTIN_API BuiltinVariant
     : boost::equality_comparable<BuiltinVariant, boost::less_than_comparable<BuiltinVariant>>,
@@ -65,6 +66,9 @@ struct BUILTIN_API BuiltinVariant
 
     // Derives the type expressions and the support level. Stops the process if a variant with
     // a typed entry declares CanThrow without warnings or errors, or the other way round.
+    explicit BuiltinVariant(VariantDeclaration declaration);
+
+    // The same from its fields in order; modules built against the positional form call it.
     BuiltinVariant(void* const developerFunction, OrroFunctionDescriptor functionDescriptor,
                    std::vector<ArgType> inputArgTypes, std::vector<ArgType> outputArgTypes,
                    CallsIntoKeldor mayCallIntoKeldor, HasWarnings mayRaiseWarnings,
@@ -93,6 +97,31 @@ struct BUILTIN_API BuiltinVariant
     // Neither accepted nor less.
     bool operator>(const VariantSignature& signature) const;
 };
+
+// A variant as declared, named field by field; what is not named has the default variant's
+// value: no entries, CanThrow, and a function that may call back, warn, fail and have effects.
+//
+//   BuiltinVariant v({.functionDescriptor = {entry, native, JIT_CALLING_CONVENTION::Direct},
+//                     .inputArgTypes = {...}, .mayCallIntoKeldor = V::CallsIntoKeldor::NO, ...});
+struct VariantDeclaration {
+    OrroFunctionDescriptor functionDescriptor = {};
+    void* developerFunction = nullptr;
+    std::vector<ArgType> inputArgTypes = {};
+    std::vector<ArgType> outputArgTypes = {};
+    BuiltinVariant::CallsIntoKeldor mayCallIntoKeldor = BuiltinVariant::CallsIntoKeldor::YES;
+    BuiltinVariant::HasWarnings mayRaiseWarnings = BuiltinVariant::HasWarnings::YES;
+    BuiltinVariant::HasExceptions mayThrowErrors = BuiltinVariant::HasExceptions::YES;
+    BuiltinVariant::HasSideEffects mayHaveSideEffects = BuiltinVariant::HasSideEffects::YES;
+    std::string cppFunctionName = {};
+    std::string keldorFunctionName = {};
+    std::string dominantClass = {};
+    BuiltinVariant::IsElementWise isElementWise = BuiltinVariant::IsElementWise::NO;
+};
+
+// The level that a variant's own declarations give it: from its call-backs, its output and
+// input types, and, for an element-wise kernel, its reports and effects. The constructor starts
+// from it; the search lists may raise it later.
+BUILTIN_API OrroSupportLevel declaredSupportLevel(const BuiltinVariant& variant);
 
 // The multi-line diagnostic form, with the type expressions and the support level.
 BUILTIN_API std::ostream& operator<<(std::ostream& os, const BuiltinVariant& variant);

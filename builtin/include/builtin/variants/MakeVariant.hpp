@@ -24,9 +24,14 @@ namespace Norvane::builtin::builtinreg::detail {
 // Literal flags: the position in the final input list, and the flag's text in UTF-8.
 using FlagList = std::vector<std::pair<std::size_t, std::string>>;
 
-// Appends one variant per signature of `inputs` (each moved out) with a copy of `outputs`,
-// then removes the unsupported variants of the whole vector, inserts `flags` into every
-// variant of it and sorts it. Throws what the flags' UTF-8 conversion throws.
+// Appends one variant per signature of `inputs` (each moved out), each the `prototype` with
+// those inputs, then removes the unsupported variants of the whole vector, inserts `flags` into
+// every variant of it and sorts it. Throws what the flags' UTF-8 conversion throws.
+BUILTIN_API void appendNewVariants(std::vector<BuiltinVariant>& variants,
+                                   const VariantDeclaration& prototype, const FlagList& flags,
+                                   std::vector<std::vector<ArgType>>&& inputs);
+
+// The same from the declaration's parts in the order that modules built against it pass them.
 BUILTIN_API void appendNewVariants(
     std::vector<BuiltinVariant>& variants, void* developerFunction,
     BuiltinVariant::CallsIntoKeldor mayCallIntoKeldor,
