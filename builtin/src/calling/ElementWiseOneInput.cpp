@@ -2,7 +2,8 @@
 #include <array>
 #include <utility>
 
-#include "LiftedEntry.hpp"
+#include <builtin/calling/LiftKernels.hpp>
+#include <builtin/calling/LiftedEntry.hpp>
 
 namespace Norvane::builtin::builtinreg::detail {
 
@@ -10,7 +11,8 @@ namespace {
 
 template <std::size_t... K>
 constexpr std::array<TypedEntry, sizeof...(K)> oneInputEntries(std::index_sequence<K...>) {
-    return {&liftOneInput<ParameterAlternative<K>>...};
+    return {
+        &liftedEntry<PointerKernel<ParameterAlternative<K>, false, ParameterAlternative<K>>>...};
 }
 
 constexpr auto entries = oneInputEntries(std::make_index_sequence<liftedTypeCount>());

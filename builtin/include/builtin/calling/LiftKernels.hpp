@@ -1,0 +1,301 @@
+// The two kinds of kernel that LiftedEntry lifts over arrays.
+//
+//   PointerKernel  a native function known only at run time, through the descriptor's
+//                  nativeEntry, called by its calling convention. The convention is read once for
+//                  each run of the loop; the call itself is indirect for every element.
+//   InlineKernel   a function known at compile time as a stateless callable type (a lambda, a
+//                  functor, a function named as a template argument). Its inner loops call it
+//                  directly, so the compiler can inline and vectorise them: one loop for each way
+//                  the inputs run, chosen once per run. A module may add a block kernel that
+//                  computes a whole run at once (out[i] = f(a[i], b[i]) for n elements); it is
+//                  then called for every run, inputs that stay on one element being spread over a
+//                  small buffer first.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include <boost/variant/get.hpp>
+
+#include <builtin/calling/CallingConvention.hpp>
+#include <builtin/calling/InlineCWrappers.hpp>
+#include <builtin/calling/LiftSharing.hpp>
+#include <builtin/calling/ReportingScope.hpp>
+
+namespace Norvane::builtin::builtinreg::detail {
+
+namespace lift {
+
+// Calls fn.template operator()<M>() for the M equal to `mask`, M below 2^N.
+template <std::size_t N, class Fn>
+void withMask(unsigned mask, Fn&& fn) {
+    [&]<unsigned... M>(std::integer_sequence<unsigned, M...>) {
+        (void)((mask == M ? (fn.template operator()<M>(), true) : false) || ...);
+    }
+    (std::make_integer_sequence<unsigned, (1u << N)>());
+}
+
+// One input of an inner loop: running along, or one value held for the whole run.
+template <class A, bool Runs>
+struct Lane {
+    const A* in;
+    A operator[](std::size_t i) const { return in[i]; }
+};
+template <class A>
+struct Lane<A, false> {
+    A value;
+    explicit Lane(const A* in) : value(*in) {}
+    A operator[](std::size_t) const { return value; }
+};
+
+template <unsigned Mask, std::size_t J>
+inline constexpr bool runs = ((Mask >> J) & 1u) != 0;
+
+}  // namespace lift
+
+template <class R, bool Distinct, class... A>
+struct PointerKernel {
+    using Result = R;
+    using Inputs = std::tuple<A...>;
+    static constexpr bool distinctWarnings = Distinct;
+
+    static Parameter scalar(OrroFunctionDescriptor* descriptor,
+                            IOrroBuiltinEnvironment* environment, bool& pending,
+                            const ParameterList& arguments) {
+        if constexpr (sizeof...(A) <= 2) {
+            return getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>,
+                                                parameterIndexOf<A>...)(descriptor, environment,
+                                                                        pending, arguments);
+        } else {
+            return scalarOf(descriptor, environment, pending, arguments,
+                            std::index_sequence_for<A...>());
+        }
+    }
+
+    // Without a native function, or under a convention it cannot call, the run is zeros.
+    static void run(const LoopContext* context, unsigned varying, R* out, std::size_t n,
+                    const A*... in) {
+        using enum JIT_CALLING_CONVENTION;
+        OrroFunctionDescriptor* const descriptor = context->descriptor;
+        const NativeEntry entry = descriptor->nativeEntry;
+        const std::array<std::size_t, sizeof...(A)> steps = stepsOf(varying);
+        if (entry != nullptr && descriptor->callingConvention == Direct) {
+            const auto fn = reinterpret_cast<orro::NativeFunction<Direct, R, A...>>(entry);
+            for (std::size_t i = 0; i < n; ++i) {
+                out[i] = callAt(fn, i, steps, std::index_sequence_for<A...>(), in...);
+            }
+        } else if (entry != nullptr && descriptor->callingConvention == DirectWithDescriptor) {
+            const auto fn =
+                reinterpret_cast<orro::NativeFunction<DirectWithDescriptor, R, A...>>(entry);
+            for (std::size_t i = 0; i < n; ++i) {
+                out[i] = callAt(fn, i, steps, std::index_sequence_for<A...>(), in..., descriptor);
+            }
+        } else if (entry != nullptr && descriptor->callingConvention == CanThrow) {
+            const auto fn = reinterpret_cast<orro::NativeFunction<CanThrow, R, A...>>(entry);
+            bool failed = false;
+            for (std::size_t i = 0; i < n; ++i) {
+                R r{};
+                failed |= callAt(fn, i, steps, std::index_sequence_for<A...>(), in..., &r,
+                                 context->environment, descriptor);
+                out[i] = r;
+            }
+            if (failed) {
+                markFailed(context);
+            }
+        } else {
+            std::fill_n(out, n, R{});
+        }
+    }
+
+private:
+    static std::array<std::size_t, sizeof...(A)> stepsOf(unsigned varying) {
+        std::array<std::size_t, sizeof...(A)> steps{};
+        for (std::size_t j = 0; j < steps.size(); ++j) {
+            steps[j] = (varying >> j) & 1u;
+        }
+        return steps;
+    }
+
+    // fn of the inputs' elements at i, then the trailing arguments of the convention.
+    template <class Fn, std::size_t... I, class... Trailing>
+    static auto callAt(Fn fn, std::size_t i, const std::array<std::size_t, sizeof...(A)>& steps,
+                       std::index_sequence<I...>, const A*... in, Trailing... trailing) {
+        return fn(in[i * steps[I]]..., trailing...);
+    }
+
+    // Three or more unboxed inputs: no wrapper of the family takes them; called as a wrapper
+    // would call them.
+    template <std::size_t... I>
+    static Parameter scalarOf(OrroFunctionDescriptor* descriptor,
+                              IOrroBuiltinEnvironment* environment, bool& pending,
+                              const ParameterList& arguments, std::index_sequence<I...>) {
+        using enum JIT_CALLING_CONVENTION;
+        pending = false;
+        const NativeEntry entry = descriptor->nativeEntry;
+        switch (entry == nullptr ? CanThrowOrroInternal : descriptor->callingConvention) {
+            case Direct:
+                return Parameter(reinterpret_cast<orro::NativeFunction<Direct, R, A...>>(entry)(
+                    boost::get<A>(arguments[I])...));
+            case DirectWithDescriptor:
+                return Parameter(
+                    reinterpret_cast<orro::NativeFunction<DirectWithDescriptor, R, A...>>(entry)(
+                        boost::get<A>(arguments[I])..., descriptor));
+            case CanThrow: {
+                R out{};
+                pending = reinterpret_cast<orro::NativeFunction<CanThrow, R, A...>>(entry)(
+                    boost::get<A>(arguments[I])..., &out, environment, descriptor);
+                return Parameter(out);
+            }
+            default:
+                if (entry != nullptr) {
+                    terminateUnexpectedCallingConvention(descriptor->callingConvention);
+                }
+                return Parameter();
+        }
+    }
+};
+
+// F: the kernel's callable type, default-constructible; its form is Convention:
+//   Direct                R F{}(A...)
+//   DirectWithDescriptor  R F{}(A..., OrroFunctionDescriptor*)
+//   CanThrow              bool F{}(A..., R*, IOrroBuiltinEnvironment*, OrroFunctionDescriptor*)
+// Reports: the kernel may call the one-call reports of ReportingScope.hpp (a Direct kernel
+// that warns), so every call of it runs inside a scope.
+// B: the block kernel, void B{}(const A*..., R* out, std::size_t n), or void for none.
+template <class F, JIT_CALLING_CONVENTION Convention, bool Reports, class B, class R, class... A>
+struct InlineKernel {
+    using Result = R;
+    using Inputs = std::tuple<A...>;
+    static constexpr bool distinctWarnings = true;
+    static constexpr std::size_t N = sizeof...(A);
+
+    static Parameter scalar(OrroFunctionDescriptor* descriptor,
+                            IOrroBuiltinEnvironment* environment, bool& pending,
+                            const ParameterList& arguments) {
+        pending = false;
+        return scalarOf(descriptor, environment, pending, arguments,
+                        std::index_sequence_for<A...>());
+    }
+
+    static void run(const LoopContext* context, unsigned varying, R* out, std::size_t n,
+                    const A*... in) {
+        if constexpr (Reports) {
+            const ReportingScope scope(context->environment);
+            dispatch(context, varying, out, n, in...);
+            if (scope.reported()) {
+                markFailed(context);
+            }
+        } else {
+            dispatch(context, varying, out, n, in...);
+        }
+    }
+
+private:
+    template <std::size_t... I>
+    static Parameter scalarOf(OrroFunctionDescriptor* descriptor,
+                              IOrroBuiltinEnvironment* environment, bool& pending,
+                              const ParameterList& arguments, std::index_sequence<I...>) {
+        if constexpr (Convention == JIT_CALLING_CONVENTION::CanThrow) {
+            R out{};
+            pending = F{}(boost::get<A>(arguments[I])..., &out, environment, descriptor);
+            return Parameter(out);
+        } else if constexpr (Reports) {
+            const ReportingScope scope(environment);
+            try {
+                const R out = F{}(boost::get<A>(arguments[I])...);
+                pending = scope.reported();
+                return Parameter(out);
+            } catch (...) {
+                pending = reportCurrentException(environment);
+                return Parameter();
+            }
+        } else if constexpr (Convention == JIT_CALLING_CONVENTION::DirectWithDescriptor) {
+            return Parameter(F{}(boost::get<A>(arguments[I])..., descriptor));
+        } else {
+            return Parameter(F{}(boost::get<A>(arguments[I])...));
+        }
+    }
+
+    static void dispatch(const LoopContext* context, unsigned varying, R* out, std::size_t n,
+                         const A*... in) {
+        lift::withMask<N>(varying, [&]<unsigned M>() {
+            if constexpr (std::is_void_v<B>) {
+                loop<M>(context, out, n, std::index_sequence_for<A...>(), in...);
+            } else {
+                blocks<M>(out, n, std::index_sequence_for<A...>(), in...);
+            }
+        });
+    }
+
+    // The inner loop for one way of running. `out` may be an input exactly, never a partial
+    // overlap, so no iteration depends on another: ivdep lets the compiler vectorise without
+    // checking for overlap at run time.
+    template <unsigned M, std::size_t... I>
+    static void loop(const LoopContext* context, R* out, std::size_t n, std::index_sequence<I...>,
+                     const A*... in) {
+        const std::tuple<lift::Lane<A, lift::runs<M, I>>...> lanes{
+            lift::Lane<A, lift::runs<M, I>>{in}...};
+        if constexpr (Convention == JIT_CALLING_CONVENTION::CanThrow) {
+            bool failed = false;
+            for (std::size_t i = 0; i < n; ++i) {
+                R r{};
+                failed |=
+                    F{}(std::get<I>(lanes)[i]..., &r, context->environment, context->descriptor);
+                out[i] = r;
+            }
+            if (failed) {
+                markFailed(context);
+            }
+        } else if constexpr (Convention == JIT_CALLING_CONVENTION::DirectWithDescriptor) {
+            OrroFunctionDescriptor* const descriptor = context->descriptor;
+#pragma GCC ivdep
+            for (std::size_t i = 0; i < n; ++i) {
+                out[i] = F{}(std::get<I>(lanes)[i]..., descriptor);
+            }
+        } else {
+#pragma GCC ivdep
+            for (std::size_t i = 0; i < n; ++i) {
+                out[i] = F{}(std::get<I>(lanes)[i]...);
+            }
+        }
+    }
+
+    // The block kernel over the run; an input that stays on one element is spread over a buffer
+    // of `chunk` copies, and the run is done chunk by chunk.
+    template <unsigned M, std::size_t... I>
+    static void blocks(R* out, std::size_t n, std::index_sequence<I...>, const A*... in) {
+        if constexpr (((lift::runs<M, I>)&&...)) {
+            B{}(in..., out, n);
+        } else {
+            constexpr std::size_t chunk = 256;
+            std::tuple<std::array<A, lift::runs<M, I> ? 0 : chunk>...> spread;
+            (fillIfHeld<M, I>(std::get<I>(spread), in, std::min(chunk, n)), ...);
+            for (std::size_t done = 0; done < n; done += chunk) {
+                B{}(pick<M, I>(std::get<I>(spread), in, done)..., out + done,
+                    std::min(chunk, n - done));
+            }
+        }
+    }
+
+    template <unsigned M, std::size_t I, class Buffer, class T>
+    static void fillIfHeld(Buffer& buffer, const T* in, std::size_t count) {
+        if constexpr (!lift::runs<M, I>) {
+            std::fill_n(buffer.data(), count, *in);
+        }
+    }
+
+    template <unsigned M, std::size_t I, class Buffer, class T>
+    static const T* pick(const Buffer& buffer, const T* in, std::size_t done) {
+        if constexpr (lift::runs<M, I>) {
+            return in + done;
+        } else {
+            return buffer.data();
+        }
+    }
+};
+
+}  // namespace Norvane::builtin::builtinreg::detail
