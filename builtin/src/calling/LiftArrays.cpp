@@ -12,23 +12,6 @@
 
 namespace Norvane::builtin::builtinreg::detail {
 
-namespace {
-
-// The descriptor is a member of the variant whose typed entry is running. The variant is not a
-// standard-layout type (its comparison bases see to that), but it has no virtual base, which is
-// all that GCC needs for offsetof.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Winvalid-offsetof"
-constexpr std::size_t descriptorOffset = offsetof(BuiltinVariant, functionDescriptor);
-#pragma GCC diagnostic pop
-
-const BuiltinVariant& enclosingVariant(const OrroFunctionDescriptor* descriptor) noexcept {
-    return *reinterpret_cast<const BuiltinVariant*>(reinterpret_cast<const char*>(descriptor) -
-                                                    descriptorOffset);
-}
-
-}  // namespace
-
 ka::ArrayPtr claimArray(const Parameter& argument) noexcept {
     kaArray_tag* const* const array = boost::get<kaArray_tag*>(&argument);
     return ka::ArrayPtr(array != nullptr ? *array : nullptr);

@@ -87,6 +87,9 @@ void addBoxingVariants(std::vector<BuiltinVariant>& variants,
 
 void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
                  FunctionRecord&& record, const Options& options) {
+    if (!record.mistake.empty()) {
+        throw std::invalid_argument("builtin " + name + ": " + record.mistake);
+    }
     VariantDeclaration prototype = resolve(options, record.descriptor.callingConvention, name);
     prototype.functionDescriptor = record.descriptor;
     prototype.developerFunction = record.developerFunction;

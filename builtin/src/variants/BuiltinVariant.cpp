@@ -155,4 +155,15 @@ bool BuiltinVariant::operator<(const BuiltinVariant& rhs) const {
     return false;
 }
 
+// The variant is not a standard-layout type (its comparison bases see to that), but it has no
+// virtual base, which is all that GCC needs for offsetof.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+const BuiltinVariant& enclosingVariant(const OrroFunctionDescriptor* descriptor) noexcept {
+    constexpr std::size_t offset = offsetof(BuiltinVariant, functionDescriptor);
+    return *reinterpret_cast<const BuiltinVariant*>(reinterpret_cast<const char*>(descriptor) -
+                                                    offset);
+}
+#pragma GCC diagnostic pop
+
 }  // namespace Norvane::builtin

@@ -22,7 +22,10 @@
 
 #include <builtin/calling/ElementWise.hpp>
 #include <builtin/calling/InlineCWrappers.hpp>
+#include <builtin/calling/LiftKernels.hpp>
+#include <builtin/calling/LiftedEntry.hpp>
 #include <builtin/config.hpp>
+#include <builtin/declare/Callables.hpp>
 #include <builtin/declare/Entries.hpp>
 #include <builtin/declare/Objects.hpp>
 #include <builtin/declare/Options.hpp>
@@ -49,6 +52,7 @@ struct FunctionRecord {
     BuiltinVariant::IsElementWise elementWise;
     builtinreg::ArgTypes signatures;
     std::vector<BoxingRecord> boxing;
+    std::string mistake;  // what makes the declaration impossible, if anything
 };
 
 template <class Fn, class... B>
@@ -74,13 +78,42 @@ constexpr types::ArgTypeGetter outputGetter() {
     }
 }
 
-template <class Fn, class Inputs>
+// The possible types of an input of a kernel lifted over three or four inputs: the unboxed number,
+// or an array of it in any shape. Such a kernel is not element-wise as the search knows it (that
+// takes at most two arrays); its variants take arrays outright and its entry broadcasts them.
+template <class T>
+const types::ArgType& scalarOrAnyShape(std::size_t index) {
+    return index == 0 ? types::getNativeArgType<T, types::NativeShape::SCALAR>(0)
+                      : types::getAnyShapeArgType<T>(index - 1);
+}
+
+// Whether the kernel can be lifted: one to four unboxed numbers by value, a number out.
+template <class Output, class... Inputs>
+constexpr bool liftable() {
+    constexpr auto number = []<class T>() {
+        if constexpr (std::is_void_v<T>) {
+            return false;
+        } else {
+            return isNumericAlternative<T>();
+        }
+    };
+    return sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 4 &&
+           number.template operator()<Output>() && (number.template operator()<Inputs>() && ...);
+}
+
+// Stored: the plain function pointer type that the descriptor's nativeEntry holds, which the
+// entries call by its own convention.
+template <class Stored, class Inputs = typename Signature<Stored>::Inputs>
 struct Declared;
 
-template <class Fn, class... Inputs>
-struct Declared<Fn, TypeList<Inputs...>> {
-    using S = Signature<Fn>;
+template <class Stored, class... Inputs>
+struct Declared<Stored, TypeList<Inputs...>> {
+    using S = Signature<Stored>;
     using Output = typename S::Output;
+    static constexpr bool liftable = detail::liftable<Output, Inputs...>();
+    // Over one or two inputs the search lifts the kernel itself (isElementWise); over more the
+    // variants take arrays.
+    static constexpr bool searchLifts = sizeof...(Inputs) <= 2;
 
     static builtinreg::ArgTypes signatures(types::SignatureTolerance tolerance) {
         builtinreg::ArgTypes made =
@@ -88,6 +121,18 @@ struct Declared<Fn, TypeList<Inputs...>> {
                                     {ParameterTraits<Inputs>::getter...}, outputGetter<Output>());
         relaxOpenParameters(made, {alwaysRelaxed<Inputs>()...});
         return made;
+    }
+
+    static builtinreg::ArgTypes liftedSignatures(types::SignatureTolerance tolerance) {
+        if constexpr (searchLifts) {
+            return signatures(tolerance);
+        } else {
+            builtinreg::ArgTypes made =
+                builtinreg::getArgTypes(tolerance, {(void(sizeof(Inputs)), std::size_t{2})...},
+                                        {&scalarOrAnyShape<Inputs>...}, outputGetter<Output>());
+            relaxOpenParameters(made, {(void(sizeof(Inputs)), true)...});
+            return made;
+        }
     }
 
     // The library's wrapper where the types pass as they are, by value, else the module's own
@@ -98,21 +143,70 @@ struct Declared<Fn, TypeList<Inputs...>> {
             return builtinreg::detail::getExportedInlineCWrapperFcn(
                 nullptr, parameterIndexOf<Output>, parameterIndexOf<Inputs>...);
         } else {
-            return ConvertingEntry<Fn, Output, TypeList<Inputs...>>::entry;
+            return ConvertingEntry<Stored, Output, TypeList<Inputs...>>::entry;
         }
     }
+};
 
-    static TypedEntry liftedEntry() {
-        static_assert(
-            sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 2 &&
-                (std::is_same_v<Inputs, Output> && ...) && detail::isUnboxedNumber<Output> &&
-                !std::is_same_v<Output, char16_t>,
-            "an element-wise kernel is T f(T) or T f(T, T) with T one of the unboxed numbers");
-        static_assert(!S::takesReferences, "an element-wise kernel takes its numbers by value");
-        return builtinreg::detail::getElementWiseEntry(nullptr, parameterIndexOf<Output>,
-                                                       parameterIndexOf<Inputs>...);
+// A function given by pointer, known at run time: stored as it is, or behind its reporting
+// function if it warns through warn(). Its lifted entry calls it through the pointer.
+template <class Fn, bool Warns,
+          bool Reporting = Warns&& Signature<Fn>::convention != JIT_CALLING_CONVENTION::CanThrow>
+struct PointerDeclaration {
+    using Stored = std::conditional_t<Reporting, typename ReportingOf<Fn>::Form, Fn>;
+    static Stored stored(Fn fn) {
+        if constexpr (Reporting) {
+            return &ReportingOf<Fn>::call;
+        } else {
+            return fn;
+        }
+    }
+    template <class Block, class Output, class... Inputs>
+    static TypedEntry liftedEntry(TypeList<Inputs...>) {
+        static_assert(std::is_void_v<Block>,
+                      "a block kernel goes with a kernel known at compile time: def<&f>(...), a "
+                      "lambda or a functor");
+        return &builtinreg::detail::liftedEntry<
+            builtinreg::detail::PointerKernel<Output, true, Inputs...>>;
     }
 };
+
+// A callable type, known at compile time: stored as its native function of the same form, or
+// behind its reporting function if it warns through warn(). Its lifted entry calls it inline.
+template <class F, bool Warns,
+          bool Reporting = Warns&& Signature<F>::convention != JIT_CALLING_CONVENTION::CanThrow>
+struct CallableDeclaration {
+    using Stored = std::conditional_t<Reporting, typename ReportingOf<F>::Form,
+                                      typename Signature<F>::Function>;
+    static Stored stored(F) {
+        if constexpr (Reporting) {
+            return &ReportingOf<F>::call;
+        } else {
+            return &NativeOf<F>::call;
+        }
+    }
+    template <class Block, class Output, class... Inputs>
+    static TypedEntry liftedEntry(TypeList<Inputs...>) {
+        return &builtinreg::detail::liftedEntry<builtinreg::detail::InlineKernel<
+            F, Signature<F>::convention, Reporting, Block, Output, Inputs...>>;
+    }
+};
+
+template <class Fn, bool Warns>
+using DeclarationOf = std::conditional_t<isFunctionPointer<Fn>, PointerDeclaration<Fn, Warns>,
+                                         CallableDeclaration<Fn, Warns>>;
+
+// The block kernel among the options, or void.
+template <class... Option>
+struct BlockOf {
+    using type = void;
+};
+template <class B, class... Rest>
+struct BlockOf<option::Block<B>, Rest...> {
+    using type = B;
+};
+template <class First, class... Rest>
+struct BlockOf<First, Rest...> : BlockOf<Rest...> {};
 
 // The first type of the function that cannot be declared, named by the one error of the build:
 // the inputs from the first (position 1), then the result.
@@ -151,15 +245,6 @@ struct Declarable<Fn, TypeList<Inputs...>> {
     }
 };
 
-template <class D, bool Lifted>
-TypedEntry entryOf() {
-    if constexpr (Lifted) {
-        return D::liftedEntry();
-    } else {
-        return D::plainEntry();
-    }
-}
-
 // Adds the variants of one native function to those of the builtin `name`. Throws
 // std::invalid_argument for a declaration that the function's form cannot keep.
 BUILTIN_API void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
@@ -175,11 +260,13 @@ class BUILTIN_API Builtin {
 public:
     explicit Builtin(std::string name);
 
-    // Declares one native function with its options (Options.hpp).
+    // Declares one native function with its options (Options.hpp): a pointer to a function, or
+    // a lambda without captures or a functor, which element-wise loops can call inline.
     template <class Fn, class... Option>
     Builtin& def(Fn fn, const Option&... options) {
-        static_assert(std::is_pointer_v<Fn> && std::is_function_v<std::remove_pointer_t<Fn>>,
-                      "def takes a pointer to a native function");
+        static_assert(detail::isFunctionPointer<Fn> || detail::isStatelessCallable<Fn>,
+                      "def takes a pointer to a function, a lambda without captures or a "
+                      "functor without state");
         if constexpr (detail::Declarable<Fn>::value) {
             declareFunction(fn, options...);
         } else {
@@ -187,6 +274,13 @@ public:
             detail::Declarable<Fn>::refuse();
         }
         return *this;
+    }
+
+    // The same for a function named as a template argument, known at compile time:
+    // def<&f>(pure, elementwise).
+    template <auto Fn, class... Option>
+    Builtin& def(const Option&... options) {
+        return def(Function<Fn>(), options...);
     }
 
     // The array function that takes the calls no declared function takes.
@@ -203,18 +297,41 @@ public:
 private:
     template <class Fn, class... Option>
     void declareFunction(Fn fn, const Option&... options) {
-        using D = detail::Declared<Fn, typename Signature<Fn>::Inputs>;
         constexpr bool lifted = (std::is_same_v<Option, option::ElementWise> || ...);
+        constexpr bool reports = (std::is_same_v<Option, option::Warns> || ...);
+        using Declaration = detail::DeclarationOf<Fn, reports>;
+        using Stored = typename Declaration::Stored;
+        using D = detail::Declared<Stored>;
+        using Block = typename detail::BlockOf<Option...>::type;
+        static_assert(std::is_void_v<Block> || lifted, "a block kernel needs elementwise");
         Options declared;
         (options.applyTo(declared), ...);
+        const Stored stored = Declaration::stored(fn);
         detail::FunctionRecord record{
-            reinterpret_cast<void*>(fn),
-            {detail::entryOf<D, lifted>(), reinterpret_cast<NativeEntry>(fn),
-             Signature<Fn>::convention},
-            lifted ? BuiltinVariant::IsElementWise::YES : BuiltinVariant::IsElementWise::NO,
-            D::signatures(declared.tolerance),
+            detail::isFunctionPointer<Fn> ? reinterpret_cast<void*>(fn)
+                                          : reinterpret_cast<void*>(stored),
+            {nullptr, reinterpret_cast<NativeEntry>(stored), Signature<Stored>::convention},
+            BuiltinVariant::IsElementWise::NO,
+            {},
+            {},
             {}};
-        (addBoxingIf<Fn>(record.boxing, options), ...);
+        if constexpr (!lifted) {
+            record.descriptor.typedEntry = D::plainEntry();
+            record.signatures = D::signatures(declared.tolerance);
+        } else if constexpr (D::liftable) {
+            record.descriptor.typedEntry =
+                Declaration::template liftedEntry<Block, typename D::Output>(
+                    typename Signature<Stored>::Inputs());
+            record.signatures = D::liftedSignatures(declared.tolerance);
+            if constexpr (D::searchLifts) {
+                record.elementWise = BuiltinVariant::IsElementWise::YES;
+            }
+        } else {
+            record.mistake =
+                "elementwise takes a function of one to four numbers that returns a number, "
+                "each by value";
+        }
+        (addBoxingIf<Stored>(record.boxing, options), ...);
         detail::addFunction(variants_, name_, std::move(record), declared);
     }
 

@@ -16,6 +16,7 @@
 #include <string>
 #include <utility>
 
+#include <builtin/declare/Callables.hpp>
 #include <builtin/types/TypeVocabulary.hpp>
 #include <builtin/variants/MakeVariant.hpp>
 
@@ -56,9 +57,22 @@ struct NoErrors {
 struct Relaxed {
     void applyTo(Options& o) const { o.tolerance = types::SignatureTolerance::RELAXED; }
 };
-// The kernel of a scalar function that answers for arrays element by element: T f(T) or
-// T f(T, T) with T a number. Its typed entry is the lifted one.
+// A function that warns through warn() (ReportingScope.hpp): it is called inside a scope, and
+// what it throws is reported as the call's error. Without it, warn() throws std::logic_error.
+struct Warns {
+    void applyTo(Options& o) const { o.warns = true; }
+};
+// The kernel of a scalar function that answers for arrays element by element: a function of
+// one to four numbers that returns a number. Its typed entry is the lifted one.
 struct ElementWise {
+    void applyTo(Options&) const {}
+};
+// Beside an element-wise kernel known at compile time, a kernel over whole runs:
+// void B{}(const A0* a0, ..., R* out, std::size_t n) computes out[i] = f(a0[i], ...) for i below
+// n. `out` may be one of the inputs exactly. The lifted loops call it for every run; the scalar
+// kernel stays what scalars and the engine call.
+template <class B>
+struct Block {
     void applyTo(Options&) const {}
 };
 // Engine-only boxing variants: the engine may call the function with unboxed values of types
@@ -90,6 +104,18 @@ inline constexpr option::NoWarnings noWarnings;
 inline constexpr option::NoErrors noErrors;
 inline constexpr option::Relaxed relaxed;
 inline constexpr option::ElementWise elementwise;
+inline constexpr option::Warns warns;
+
+// The block kernel of an element-wise declaration: block<&expRun>() for a function, or
+// block([](const double* x, double* out, std::size_t n) { ... }) for a lambda or functor.
+template <auto Fn>
+constexpr option::Block<Function<Fn>> block() {
+    return {};
+}
+template <class B>
+constexpr option::Block<B> block(B) {
+    return {};
+}
 
 // A boxing declaration: boxed<double>() lets the engine call a function of one array with a
 // double, which arrives as a 1-by-1 array.

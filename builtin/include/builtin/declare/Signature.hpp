@@ -1,6 +1,7 @@
 // What the C++ type of a native function says about it: its calling convention, its inputs
 // and its output. A noexcept function is read as the same function without it, and an input
-// taken by const reference as the value it refers to. The convention is read off the trailing
+// taken by const reference as the value it refers to. A stateless callable (a lambda without
+// captures, a functor) is read through its call operator. The convention is read off the trailing
 // parameters:
 //
 //   R f(A...)                                                          Direct
@@ -100,5 +101,29 @@ struct Signature<R (*)(A...)> {
 
 template <class R, class... A>
 struct Signature<R (*)(A...) noexcept> : Signature<R (*)(A...)> {};
+
+namespace detail {
+
+// The plain function type of a call operator.
+template <class M>
+struct CallOperator;
+template <class C, class R, class... A>
+struct CallOperator<R (C::*)(A...)> {
+    using type = R (*)(A...);
+};
+template <class C, class R, class... A>
+struct CallOperator<R (C::*)(A...) const> : CallOperator<R (C::*)(A...)> {};
+template <class C, class R, class... A>
+struct CallOperator<R (C::*)(A...) noexcept> : CallOperator<R (C::*)(A...)> {};
+template <class C, class R, class... A>
+struct CallOperator<R (C::*)(A...) const noexcept> : CallOperator<R (C::*)(A...)> {};
+
+}  // namespace detail
+
+template <class F>
+requires std::is_class_v<F> && requires {
+    &F::operator();
+}
+struct Signature<F> : Signature<typename detail::CallOperator<decltype(&F::operator())>::type> {};
 
 }  // namespace Norvane::builtin::declare

@@ -123,6 +123,12 @@ struct VariantDeclaration {
 // from it; the search lists may raise it later.
 BUILTIN_API OrroSupportLevel declaredSupportLevel(const BuiltinVariant& variant);
 
+// The variant whose functionDescriptor this is: how a typed entry or a native function that
+// receives the descriptor reaches the rest of its variant. The descriptor must be a living
+// variant's own, never a free-standing copy.
+BUILTIN_API const BuiltinVariant& enclosingVariant(
+    const OrroFunctionDescriptor* descriptor) noexcept;
+
 // The multi-line diagnostic form, with the type expressions and the support level.
 BUILTIN_API std::ostream& operator<<(std::ostream& os, const BuiltinVariant& variant);
 
