@@ -11,6 +11,7 @@ namespace ka::detail {
 struct DataBlock {
     std::size_t users;
     std::size_t mappedBytes;  // 0 for a block from the C heap
+    void* heapStart;          // what the C heap gave, which the header may stand behind
 };
 
 // Throws std::bad_alloc.
