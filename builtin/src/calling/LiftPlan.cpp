@@ -93,7 +93,10 @@ LiftPlan planLift(std::span<const std::span<const std::size_t>> inputDims) {
     }
 
     // Strides of the outer dimensions: an input's own count of elements below d, where it runs
-    // along d.
+    // along d. With the whole output one block (the usual case) there are none.
+    if (plan.firstOuter == rank) {
+        return plan;
+    }
     for (std::size_t j = 0; j < plan.inputs; ++j) {
         plan.strides[j].assign(rank, 0);
         std::size_t below = 1;

@@ -55,6 +55,11 @@ struct Lane<A, false> {
 template <unsigned Mask, std::size_t J>
 inline constexpr bool runs = ((Mask >> J) & 1u) != 0;
 
+inline bool hasAvx2() noexcept {
+    static const bool has = __builtin_cpu_supports("avx2");
+    return has;
+}
+
 }  // namespace lift
 
 template <class R, bool Distinct, class... A>
@@ -223,20 +228,37 @@ private:
     static void dispatch(const LoopContext* context, unsigned varying, R* out, std::size_t n,
                          const A*... in) {
         lift::withMask<N>(varying, [&]<unsigned M>() {
-            if constexpr (std::is_void_v<B>) {
-                loop<M>(context, out, n, std::index_sequence_for<A...>(), in...);
-            } else {
+            if constexpr (!std::is_void_v<B>) {
                 blocks<M>(out, n, std::index_sequence_for<A...>(), in...);
+            } else if (lift::hasAvx2()) {
+                loopAvx2<M>(context, out, n, std::index_sequence_for<A...>(), in...);
+            } else {
+                loopDefault<M>(context, out, n, std::index_sequence_for<A...>(), in...);
             }
         });
     }
 
-    // The inner loop for one way of running. `out` may be an input exactly, never a partial
-    // overlap, so no iteration depends on another: ivdep lets the compiler vectorise without
-    // checking for overlap at run time.
+    // The inner loop, compiled twice: for any x86-64, and for AVX2, which a CPU that has it
+    // runs, twice the elements per instruction where the module is built for any x86-64. Chosen
+    // by hand: the compiler's own clones would take the loop for one that never throws, and a
+    // kernel may throw.
     template <unsigned M, std::size_t... I>
-    static void loop(const LoopContext* context, R* out, std::size_t n, std::index_sequence<I...>,
-                     const A*... in) {
+    static void loopDefault(const LoopContext* context, R* out, std::size_t n,
+                            std::index_sequence<I...> inputs, const A*... in) {
+        loop<M>(context, out, n, inputs, in...);
+    }
+    template <unsigned M, std::size_t... I>
+    [[gnu::target("avx2")]] static void loopAvx2(const LoopContext* context, R* out, std::size_t n,
+                                                 std::index_sequence<I...> inputs, const A*... in) {
+        loop<M>(context, out, n, inputs, in...);
+    }
+
+    // One way of running. `out` may be an input exactly, never a partial overlap, so no
+    // iteration depends on another: ivdep lets the compiler vectorise without checking for
+    // overlap at run time.
+    template <unsigned M, std::size_t... I>
+    [[gnu::always_inline]] static void loop(const LoopContext* context, R* out, std::size_t n,
+                                            std::index_sequence<I...>, const A*... in) {
         const std::tuple<lift::Lane<A, lift::runs<M, I>>...> lanes{
             lift::Lane<A, lift::runs<M, I>>{in}...};
         if constexpr (Convention == JIT_CALLING_CONVENTION::CanThrow) {

@@ -56,7 +56,9 @@ BUILTIN_API LiftPlan planLift(std::span<const std::span<const std::size_t>> inpu
 class RunCursor {
 public:
     RunCursor(const LiftPlan& plan, std::size_t first)
-        : plan_(plan), counters_(plan.outDims.size(), 0), within_(first % plan.block) {
+        : plan_(plan),
+          counters_(plan.firstOuter < plan.outDims.size() ? plan.outDims.size() : 0, 0),
+          within_(first % plan.block) {
         std::size_t rest = first / plan.block;
         for (std::size_t d = plan.firstOuter; d < plan.outDims.size() && rest != 0; ++d) {
             const std::size_t count = rest % plan.outDims[d];
