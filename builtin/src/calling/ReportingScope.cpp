@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+#include <fl/i18n.hpp>
+
 namespace Norvane::builtin::builtinreg::detail {
 
 namespace {
@@ -35,6 +37,10 @@ void ReportingScope::warn(std::u16string_view text) {
     if (IOrroBuiltinAccessors* const accessors = accessorsOf(scope->environment_)) {
         accessors->AddWarningMessage(std::u16string(text));
     }
+}
+
+void ReportingScope::warn(std::string_view text) {
+    warn(std::u16string_view(fl::i18n::utf8_to_ustring(std::string(text))));
 }
 
 bool reportCurrentException(IOrroBuiltinEnvironment* environment) noexcept {

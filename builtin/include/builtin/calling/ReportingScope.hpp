@@ -30,6 +30,8 @@ public:
     // Passes a warning to the current scope's environment. Throws std::logic_error when the thread
     // has no current scope: the calling function was not declared to warn.
     static void warn(std::u16string_view text);
+    // The same with UTF-8 text; std::invalid_argument for text that is not UTF-8.
+    static void warn(std::string_view text);
 
 private:
     IOrroBuiltinEnvironment* environment_;

@@ -308,8 +308,7 @@ private:
         (options.applyTo(declared), ...);
         const Stored stored = Declaration::stored(fn);
         detail::FunctionRecord record{
-            detail::isFunctionPointer<Fn> ? reinterpret_cast<void*>(fn)
-                                          : reinterpret_cast<void*>(stored),
+            detail::developerFunctionOf(fn, stored),
             {nullptr, reinterpret_cast<NativeEntry>(stored), Signature<Stored>::convention},
             BuiltinVariant::IsElementWise::NO,
             {},

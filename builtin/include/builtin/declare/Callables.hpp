@@ -24,10 +24,12 @@ template <auto Fn, class = decltype(Fn)>
 struct Function;
 template <auto Fn, class R, class... A>
 struct Function<Fn, R (*)(A...)> {
+    static constexpr auto pointer = Fn;
     R operator()(A... a) const { return Fn(std::forward<A>(a)...); }
 };
 template <auto Fn, class R, class... A>
 struct Function<Fn, R (*)(A...) noexcept> {
+    static constexpr auto pointer = Fn;
     R operator()(A... a) const noexcept { return Fn(std::forward<A>(a)...); }
 };
 
@@ -42,6 +44,19 @@ constexpr bool isStatelessCallable =
     std::is_class_v<F>&& std::is_empty_v<F>&& std::is_default_constructible_v<F>&& requires {
     &F::operator();
 };
+
+// The developer's own function, as the variant records it: the function itself where there is
+// one, else the native function made for a lambda or functor.
+template <class F, class Stored>
+void* developerFunctionOf(F fn, Stored stored) {
+    if constexpr (isFunctionPointer<F>) {
+        return reinterpret_cast<void*>(fn);
+    } else if constexpr (requires { F::pointer; }) {
+        return reinterpret_cast<void*>(F::pointer);
+    } else {
+        return reinterpret_cast<void*>(stored);
+    }
+}
 
 // The plain function of a callable's own form that the engine and the wrappers call.
 template <class F, class Fn = typename Signature<F>::Function>

@@ -9,4 +9,5 @@
 #include <builtin/declare/Objects.hpp>
 #include <builtin/declare/Options.hpp>
 #include <builtin/declare/Parameters.hpp>
+#include <builtin/declare/Reports.hpp>
 #include <builtin/declare/Signature.hpp>
