@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
   cmake g++ ninja-build pkg-config clang-format ccache
   libboost1.81-dev libboost-log1.81-dev libboost-json1.81-dev libboost-locale1.81-dev
-  libtbb-dev
+  libtbb-dev libsleef-dev
   libgtest-dev libgmock-dev
   libbenchmark-dev
   libcli11-dev libedit-dev

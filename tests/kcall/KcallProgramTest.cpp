@@ -127,19 +127,19 @@ TEST(Kcall, WarningsErrorsAndStatuses) {
 }
 
 TEST(Kcall, ListDescribeAndExplain) {
-    // The sample module's fifteen builtins, in which the lint finds nothing.
+    // The sample module's builtins, in which the lint finds nothing.
     std::istringstream list(kcall({"--list"}).out);
     std::vector<std::string> names;
     for (std::string name, module; list >> name >> module;) names.push_back(name);
-    EXPECT_EQ(names.size(), 15u);
+    const std::string all = "lint: " + std::to_string(names.size()) + " builtins, 0 findings\n";
     const struct {
         std::vector<std::string> arguments;
         int status;
         const char* out;
         const char* err;
     } lints[] = {
-        {{"--lint"}, 0, "lint: 15 builtins, 0 findings\n", ""},
-        {{"--lint", "sample"}, 0, "lint: 15 builtins, 0 findings\n", ""},
+        {{"--lint"}, 0, all.c_str(), ""},
+        {{"--lint", "sample"}, 0, all.c_str(), ""},
         {{"--lint", "nothing"}, 1, "", "Error: no module named nothing is loaded\n"},
     };
     for (const auto& c : lints) {

@@ -5,7 +5,11 @@
 //   plus, minus, times   element-wise over double, single, int32, complex double; mixed real
 //                        and complex scalars; plus of two strings joins them
 //   sqrt                 element-wise, warns for a negative real input and gives NaN there
+//   exp, log, sin, cos,  element-wise over double and single, arrays a run at a time in SIMD
+//   tanh                 vectors; log warns for a negative input, as sqrt does
 //   hypot, abs           element-wise; abs also of complex values and arrays
+//   clamp                element-wise over three inputs: x held between lo and hi
+//   ldexp                element-wise over a double and an int32: x times 2 to the e
 //   sum                  of a double array along its first dimension whose size is not 1
 //   round                halves away from zero, or with 'even' to the even neighbour, 'away'
 //   sort                 of a double vector, with 'ascend' or 'descend'
@@ -30,6 +34,7 @@
 #include <ka/ka.hpp>
 
 #include "Arithmetic.hpp"
+#include "Elementary.hpp"
 
 namespace sample {
 
@@ -43,11 +48,13 @@ using Complex = std::complex<double>;
 
 template <template <class> class Op>
 void declareArithmetic(Builtin& builtin) {
-    builtin.def(&Op<double>::apply, pure, elementwise)
-        .def(&Op<float>::apply, pure, elementwise)
-        .def(&Op<std::int32_t>::apply, pure, elementwise)
-        .def(&Op<Complex>::apply, pure, elementwise)
-        .def(&complexReal<&Op<Complex>::apply>, pure)
+    // Inside a template a chain of def<...> calls would need the template keyword before each
+    // def; one statement each reads better.
+    builtin.def<&Op<double>::apply>(pure, elementwise);
+    builtin.def<&Op<float>::apply>(pure, elementwise);
+    builtin.def<&Op<std::int32_t>::apply>(pure, elementwise);
+    builtin.def<&Op<Complex>::apply>(pure, elementwise);
+    builtin.def(&complexReal<&Op<Complex>::apply>, pure)
         .def(&realComplex<&Op<Complex>::apply>, pure);
 }
 
@@ -70,20 +77,53 @@ std::u16string join(std::u16string_view a, std::u16string_view b) {
 
 // --- functions of one number ------------------------------------------------------------------
 
-// The reporting form: a negative input warns and gives NaN, as the language's real sqrt does.
-bool squareRoot(double x, double* out, IOrroBuiltinEnvironment* environment,
-                OrroFunctionDescriptor*) {
-    if (x >= 0 || std::isnan(x)) {
-        *out = std::sqrt(x);
-        return false;
+// A negative input warns and gives NaN, as the language's real sqrt does.
+double squareRoot(double x) {
+    if (x < 0) {
+        warn(u"sqrt of a negative number is NaN here; take the sqrt of a complex number instead");
+        return std::numeric_limits<double>::quiet_NaN();
     }
-    *out = std::numeric_limits<double>::quiet_NaN();
-    if (IOrroBuiltinAccessors* accessors =
-            environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
-        accessors->AddWarningMessage(
-            u"sqrt of a negative number is NaN here; take the sqrt of a complex number instead");
-    }
-    return true;
+    return std::sqrt(x);
+}
+
+// The elementary functions: SLEEF's scalar function for one element, its vector functions for a
+// run of an array.
+template <elementary::Function F, class T>
+struct Elementary {
+    static T one(T x) { return elementary::scalar(F, x); }
+    static void run(const T* in, T* out, std::size_t n) { elementary::block(F, in, out, n); }
+};
+
+constexpr const char* logOfNegative =
+    "log of a negative number is NaN here; take the log of a complex number instead";
+
+template <class T>
+T logarithm(T x) {
+    if (x < 0) warn(logOfNegative);
+    return elementary::scalar(elementary::Function::LOG, x);
+}
+
+// `out` may be `in`: the inputs are looked at before they are overwritten.
+template <class T>
+void logarithms(const T* in, T* out, std::size_t n) {
+    const bool negative = std::any_of(in, in + n, [](T x) { return x < 0; });
+    elementary::block(elementary::Function::LOG, in, out, n);
+    if (negative) warn(logOfNegative);
+}
+
+template <elementary::Function F>
+void declareElementary(Builtin& builtin) {
+    builtin.def<&Elementary<F, double>::one>(pure, elementwise,
+                                             block<&Elementary<F, double>::run>());
+    builtin.def<&Elementary<F, float>::one>(pure, elementwise, block<&Elementary<F, float>::run>());
+}
+
+double clampBetween(double x, double low, double high) {
+    return std::min(std::max(x, low), high);
+}
+
+double scaleByPowerOfTwo(double x, std::int32_t e) {
+    return std::ldexp(x, e);
 }
 
 double hypotenuse(double a, double b) {
@@ -240,19 +280,28 @@ void declareSample(Module& module) {
     declareArithmetic<Add>(module.builtin("plus").def(&join, pure));
     declareArithmetic<Subtract>(module.builtin("minus"));
     declareArithmetic<Multiply>(module.builtin("times"));
-    module.builtin("sqrt").def(&squareRoot, pure, elementwise, noErrors);
-    module.builtin("hypot").def(&hypotenuse, pure, elementwise);
+    module.builtin("sqrt").def<&squareRoot>(pure, elementwise, warns, noErrors);
+    declareElementary<elementary::Function::EXP>(module.builtin("exp"));
+    declareElementary<elementary::Function::SIN>(module.builtin("sin"));
+    declareElementary<elementary::Function::COS>(module.builtin("cos"));
+    declareElementary<elementary::Function::TANH>(module.builtin("tanh"));
+    module.builtin("log")
+        .def<&logarithm<double>>(pure, elementwise, warns, noErrors, block<&logarithms<double>>())
+        .def<&logarithm<float>>(pure, elementwise, warns, noErrors, block<&logarithms<float>>());
+    module.builtin("hypot").def<&hypotenuse>(pure, elementwise);
     module.builtin("abs")
-        .def(&absolute, pure, elementwise)
-        .def(&absoluteSingle, pure, elementwise)
+        .def<&absolute>(pure, elementwise)
+        .def<&absoluteSingle>(pure, elementwise)
         .def(&magnitude, pure)
         .def(&magnitudes, pure);
+    module.builtin("clamp").def<&clampBetween>(pure, elementwise);
+    module.builtin("ldexp").def<&scaleByPowerOfTwo>(pure, elementwise);
     // The engine holds a double scalar unboxed; the boxing variant hands it over as an array.
     module.builtin("sum").def(&sumAlongFirst, pure, boxed<double>());
     module.builtin("round")
-        .def(&roundAway, pure, elementwise, cppName("roundAway"))
-        .def(&roundEven, pure, elementwise, flag(1, "even"), cppName("roundEven"))
-        .def(&roundAway, pure, elementwise, flag(1, "away"), cppName("roundAway"));
+        .def<&roundAway>(pure, elementwise, cppName("roundAway"))
+        .def<&roundEven>(pure, elementwise, flag(1, "even"), cppName("roundEven"))
+        .def<&roundAway>(pure, elementwise, flag(1, "away"), cppName("roundAway"));
     Builtin& sort = module.builtin("sort");
     declareSort<Row<double>>(sort);
     declareSort<Column<double>>(sort);
