@@ -13,13 +13,13 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstdlib>
 
 #include <builtin/builtin.hpp>
 #include <builtin/declare/declare.hpp>
 #include <foundation/cppmicroservices/framework.hpp>
 
 #include "RecordingReporter.hpp"
+#include "SampleModules.hpp"
 
 namespace {
 
@@ -79,12 +79,7 @@ public:
 };
 
 const declare::ModuleDirectory& modules() {
-    static const declare::ModuleDirectory directory = [] {
-        unsetenv("KELDOR_INSTALL_ROOT");
-        foundation::cppmicroservices::createFramework();
-        return declare::ModuleDirectory::start({declare::builtinServicesFolder()});
-    }();
-    return directory;
+    return benchsupport::sampleModules();
 }
 
 void callPlus(benchmark::State& state, const BuiltinFcn& fcn) {
