@@ -111,6 +111,22 @@ TEST(BadInput, Declarations) {
                 },
                 "builtin f: a boxing declaration names one type per input"),
             moduleRow(
+                "elementwise on a function of a string",
+                [](declare::Module& m) {
+                    m.builtin("f").def([](std::u16string_view) { return 1.0; }, declare::pure,
+                                       declare::elementwise);
+                },
+                "builtin f: elementwise takes a function of one to four numbers that returns a "
+                "number, each by value"),
+            moduleRow(
+                "elementwise on a function of five numbers",
+                [](declare::Module& m) {
+                    m.builtin("f").def([](double a, double, double, double, double) { return a; },
+                                       declare::elementwise);
+                },
+                "builtin f: elementwise takes a function of one to four numbers that returns a "
+                "number, each by value"),
+            moduleRow(
                 "a builtin without a name",
                 [](declare::Module& m) { m.builtin("").def(&identity, declare::pure); },
                 "a builtin needs a name"),

@@ -127,6 +127,105 @@ TEST_F(Declared, ArraysAreHeldForTheCallAndOwnedReferencesHandedOver) {
     EXPECT_EQ(row->refCount, 1u);
 }
 
+struct Halve {
+    double operator()(double x) const noexcept { return x / 2; }
+};
+double twice(double x) {
+    return 2 * x;
+}
+std::pair<double, double> extremes(Array<double> x) {
+    if (x.begin() == x.end()) throw std::invalid_argument("extremes of nothing");
+    const auto [low, high] = std::minmax_element(x.begin(), x.end());
+    return {*low, *high};
+}
+std::tuple<double, ka::ArrayPtr, std::u16string> three(double x) {
+    return {x, ka::row({x, x}), u"three"};
+}
+void sizeOfAll(int nlhs, kaArray_tag** plhs, int, kaArray_tag**, OrroFunctionDescriptor*) {
+    for (int i = 0; i < nlhs; ++i) plhs[i] = ka::scalar(-1.0).release();
+}
+
+// Lambdas, functors, functions named as template arguments, noexcept, results of several
+// outputs: through invoke, as many outputs as asked for, and through the engine's entry.
+TEST_F(Declared, FormsAuthorsWrite) {
+    Builtin scale("scale");
+    scale.def([](double x, double f) noexcept { return x * f; }, pure)
+        .def(Halve(), pure)
+        .def<&twice>(pure, elementwise, cppName("twice"));
+    const DeclaredBuiltin scaled(std::move(scale));
+    const ka::ArrayPtr six = ka::scalar(6.0), two = ka::scalar(2.0);
+    EXPECT_EQ(callForDouble(scaled, {six.get(), two.get()}), 12);
+    EXPECT_EQ(callForDouble(scaled, {six.get()}), 3);
+    for (const BuiltinVariant& v : scaled.lists().all) {
+        EXPECT_NE(v.functionDescriptor.nativeEntry, nullptr) << "the engine calls a plain function";
+    }
+
+    Builtin both("extremes");
+    both.def(&extremes, pure).def(&three, pure).fallback(&sizeOfAll, pure);
+    const DeclaredBuiltin done(std::move(both));
+    const ka::ArrayPtr x = ka::row({3.0, -1.0, 7.0});
+    kaArray_tag* plhs[3] = {nullptr, nullptr, nullptr};
+    kaArray_tag* prhs[] = {x.get()};
+    done.function().call(2, plhs, 1, prhs);
+    const ka::ArrayPtr low(plhs[0]), high(plhs[1]);
+    EXPECT_EQ(*static_cast<const double*>(matrix::data(low.get())), -1);
+    EXPECT_EQ(*static_cast<const double*>(matrix::data(high.get())), 7);
+    EXPECT_EQ(callForDouble(done, {x.get()}), -1) << "one output: the first";
+    EXPECT_THROW(done.function().call(3, plhs, 1, prhs), std::invalid_argument)
+        << "extremes gives at most 2 outputs";
+    kaArray_tag* scalarArgs[] = {six.get()};
+    done.function().call(3, plhs, 1, scalarArgs);
+    const ka::ArrayPtr first(plhs[0]), second(plhs[1]), third(plhs[2]);
+    EXPECT_EQ(matrix::dimensions(second.get())[1], 2u);
+    EXPECT_EQ(matrix::classId(third.get()), kaCHAR_CLASS);
+    kaArray_tag* nothing[] = {ka::charArray("x").release()};
+    done.function().call(2, plhs, 1, nothing);  // no function takes it: the fallback does
+    matrix::releaseReference(nothing[0]);
+    const ka::ArrayPtr f0(plhs[0]), f1(plhs[1]);
+    EXPECT_EQ(*static_cast<const double*>(matrix::data(f1.get())), -1);
+}
+
+double negativeFails(double x) {
+    if (x < 0) throw std::domain_error("negative: " + std::to_string(x));
+    return x;
+}
+double shout(std::u16string_view text) {
+    if (text.empty()) throw std::length_error("nothing to shout");
+    return static_cast<double>(text.size());
+}
+void refuseAll(int, kaArray_tag**, int, kaArray_tag**, OrroFunctionDescriptor*) {
+    throw std::logic_error("refused");
+}
+
+// An exception from a declared function of any kind is the call's error, with its text, and
+// nothing of the call is left behind.
+TEST_F(Declared, ExceptionsAreTheCallsErrorOnEveryRoad) {
+    Builtin f("f");
+    f.def<&negativeFails>(pure, elementwise).def(&shout, pure).def(&extremes, pure);
+    f.fallback(&refuseAll, pure);
+    Builtin g("g");
+    g.def(&negativeFails, pure, elementwise, warns);
+    const DeclaredBuiltin inlined(std::move(f)), reporting(std::move(g));
+    const auto call = [](const DeclaredBuiltin& builtin, int nlhs, ka::ArrayPtr argument) {
+        kaArray_tag* plhs[2] = {nullptr, nullptr};
+        kaArray_tag* prhs[] = {argument.get()};
+        try {
+            builtin.function().call(nlhs, plhs, 1, prhs);
+        } catch (const std::exception& error) {
+            EXPECT_EQ(plhs[0], nullptr);
+            return std::string(error.what());
+        }
+        return std::string("no error");
+    };
+    EXPECT_EQ(call(inlined, 1, ka::scalar(-2.0)), "negative: -2.000000");
+    EXPECT_EQ(call(inlined, 1, ka::row({1.0, -3.0, 2.0})), "negative: -3.000000");
+    EXPECT_EQ(call(inlined, 1, ka::createNumeric(kaCHAR_CLASS, {0, 0})), "nothing to shout");
+    EXPECT_EQ(call(inlined, 2, ka::createNumeric(kaDOUBLE_CLASS, {0, 0})), "extremes of nothing");
+    EXPECT_EQ(call(inlined, 1, ka::scalar(true)), "refused");
+    EXPECT_EQ(call(reporting, 1, ka::scalar(-2.0)), "negative: -2.000000");
+    EXPECT_EQ(call(reporting, 1, ka::row({1.0, -3.0})), "negative: -3.000000");
+}
+
 TEST_F(Declared, BehaviourHasSafeDefaults) {
     const DeclaredBuiltin unsure(std::move(Builtin("a").def(&add))),
         sure(std::move(Builtin("b").def(&add, pure)));

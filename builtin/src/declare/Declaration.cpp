@@ -85,8 +85,9 @@ void addBoxingVariants(std::vector<BuiltinVariant>& variants,
     variants.insert(variants.end(), added.begin(), added.end());
 }
 
-void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
-                 FunctionRecord&& record, const Options& options) {
+std::vector<BuiltinVariant> addFunction(std::vector<BuiltinVariant>& variants,
+                                        const std::string& name, FunctionRecord&& record,
+                                        const Options& options) {
     if (!record.mistake.empty()) {
         throw std::invalid_argument("builtin " + name + ": " + record.mistake);
     }
@@ -104,7 +105,9 @@ void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
     builtinreg::detail::appendNewVariants(fresh, prototype, flags,
                                           std::move(record.signatures.inputs));
     addBoxingVariants(fresh, record.boxing);
-    variants = builtinreg::detail::appendVariants(std::move(variants), std::move(fresh));
+    variants =
+        builtinreg::detail::appendVariants(std::move(variants), std::vector<BuiltinVariant>(fresh));
+    return fresh;
 }
 
 VariantDeclaration declarationOf(const std::string& name, const Options& options, bool canReport) {
@@ -125,10 +128,33 @@ VariantDeclaration declarationOf(const std::string& name, const Options& options
 
 Builtin::Builtin(std::string name) : name_(std::move(name)) {}
 
+MultiOutputs& Builtin::severalOutputs() {
+    if (!severalOutputs_) {
+        severalOutputs_ = std::make_shared<MultiOutputs>();
+    }
+    return *severalOutputs_;
+}
+
+namespace {
+
+// The builtin's own default variant, or, with functions of several outputs, the one that serves
+// those and hands it the rest.
+BuiltinVariant finalDefault(Builtin& builtin, BuiltinVariant declared,
+                            const std::shared_ptr<MultiOutputs>& severalOutputs) {
+    if (!severalOutputs) {
+        return declared;
+    }
+    return severalOutputs->defaultVariant(std::move(declared), builtin.name());
+}
+
+}  // namespace
+
 DeclaredBuiltin::DeclaredBuiltin(Builtin&& builtin)
     : lists_(std::move(builtin.variants_)),
-      function_(std::make_unique<DeclaredFcn>(builtin.name_, lists_,
-                                              std::move(builtin.defaultVariant_))) {}
+      severalOutputs_(std::move(builtin.severalOutputs_)),
+      function_(std::make_unique<DeclaredFcn>(
+          builtin.name_, lists_,
+          finalDefault(builtin, std::move(builtin.defaultVariant_), severalOutputs_))) {}
 
 DeclaredBuiltin::~DeclaredBuiltin() = default;
 

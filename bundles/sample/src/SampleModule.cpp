@@ -11,6 +11,8 @@
 //   clamp                element-wise over three inputs: x held between lo and hi
 //   ldexp                element-wise over a double and an int32: x times 2 to the e
 //   sum                  of a double array along its first dimension whose size is not 1
+//   minmax               the least and the greatest element of a double array, two outputs;
+//                        an error for an empty one
 //   round                halves away from zero, or with 'even' to the even neighbour, 'away'
 //   sort                 of a double vector, with 'ascend' or 'descend'
 //   upper                of a string or a char row
@@ -201,6 +203,13 @@ ka::ArrayPtr sumAlongFirst(Array<double> x) {
     return result;
 }
 
+// Two outputs: [lo, hi] = minmax(x); a call of one output gets lo.
+std::pair<double, double> extremes(Array<double> x) {
+    if (x.begin() == x.end()) throw std::invalid_argument("minmax: the array is empty");
+    const auto [low, high] = std::minmax_element(x.begin(), x.end());
+    return {*low, *high};
+}
+
 template <class Vector, bool Descending>
 ka::ArrayPtr sorted(Vector v) {
     const auto dims = v.dimensions();
@@ -298,6 +307,7 @@ void declareSample(Module& module) {
     module.builtin("ldexp").def<&scaleByPowerOfTwo>(pure, elementwise);
     // The engine holds a double scalar unboxed; the boxing variant hands it over as an array.
     module.builtin("sum").def(&sumAlongFirst, pure, boxed<double>());
+    module.builtin("minmax").def(&extremes, pure);
     module.builtin("round")
         .def<&roundAway>(pure, elementwise, cppName("roundAway"))
         .def<&roundEven>(pure, elementwise, flag(1, "even"), cppName("roundEven"))

@@ -29,6 +29,7 @@
 #include <builtin/declare/Entries.hpp>
 #include <builtin/declare/Objects.hpp>
 #include <builtin/declare/Options.hpp>
+#include <builtin/declare/Outputs.hpp>
 #include <builtin/declare/Parameters.hpp>
 #include <builtin/declare/Signature.hpp>
 #include <builtin/invoke/BuiltinFcn.hpp>
@@ -73,6 +74,8 @@ constexpr types::ArgTypeGetter outputGetter() {
         return nullptr;
     } else if constexpr (std::is_same_v<T, kaArray_tag*> || std::is_same_v<T, ka::ArrayPtr>) {
         return &types::plainArrayArgType;
+    } else if constexpr (isTuple<T>) {
+        return outputGetter<std::remove_cvref_t<std::tuple_element_t<0, T>>>();
     } else {
         return ParameterTraits<T>::getter;
     }
@@ -245,10 +248,12 @@ struct Declarable<Fn, TypeList<Inputs...>> {
     }
 };
 
-// Adds the variants of one native function to those of the builtin `name`. Throws
-// std::invalid_argument for a declaration that the function's form cannot keep.
-BUILTIN_API void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
-                             FunctionRecord&& record, const Options& options);
+// Adds the variants of one native function to those of the builtin `name`, and returns them.
+// Throws std::invalid_argument for a declaration that the function's form cannot keep.
+BUILTIN_API std::vector<BuiltinVariant> addFunction(std::vector<BuiltinVariant>& variants,
+                                                    const std::string& name,
+                                                    FunctionRecord&& record,
+                                                    const Options& options);
 
 // The default variant of an array function, wrapped in the guards of its declarations.
 BUILTIN_API BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function,
@@ -331,8 +336,16 @@ private:
                 "each by value";
         }
         (addBoxingIf<Stored>(record.boxing, options), ...);
-        detail::addFunction(variants_, name_, std::move(record), declared);
+        if constexpr (detail::isTuple<typename D::Output>) {
+            const std::vector<BuiltinVariant> made =
+                detail::addFunction(variants_, name_, std::move(record), declared);
+            severalOutputs().add(made, &detail::MultiOutputEntry<Stored, typename D::Output>::call);
+        } else {
+            detail::addFunction(variants_, name_, std::move(record), declared);
+        }
     }
+
+    MultiOutputs& severalOutputs();
 
     template <class Fn, class Option>
     static void addBoxingIf(std::vector<detail::BoxingRecord>& records, const Option& option) {
@@ -345,6 +358,7 @@ private:
     std::string name_;
     std::vector<BuiltinVariant> variants_;
     BuiltinVariant defaultVariant_;
+    std::shared_ptr<MultiOutputs> severalOutputs_;  // made by the first function of several
 };
 
 // A declared builtin: its search lists and the BuiltinFcn over them, which lives as long as this.
@@ -361,6 +375,7 @@ public:
 
 private:
     builtinreg::BuiltinVariantLists lists_;
+    std::shared_ptr<MultiOutputs> severalOutputs_;  // which the default variant refers to
     std::unique_ptr<BuiltinFcn> function_;
 };
 
