@@ -157,17 +157,17 @@ TEST(Kcall, ListDescribeAndExplain) {
     EXPECT_NE(noModules.err.find("no module bundle here"), std::string::npos) << noModules.err;
     EXPECT_NE(kcall({"--list"}).out.find("plus  (sample)\n"), std::string::npos);
     const Outcome described = kcall({"--describe", "round"});
-    EXPECT_NE(
-        described.out.find("roundEven(double, keldor_string<literal_flag<\"even\">>) -> double"),
-        std::string::npos);
+    EXPECT_NE(described.out.find("roundEven(double scalar, option word 'even') -> double scalar"),
+              std::string::npos);
     EXPECT_NE(described.out.find("lint: nothing to report"), std::string::npos);
     EXPECT_EQ(kcall({"--describe", "nothing"}).status, 1);
     const Outcome explained = kcall({"--explain", "plus(int32(1), int32(2))"});
-    EXPECT_NE(
-        explained.out.find("1. plus(double, double) -> double: refused: input 1 is int32 1x1"),
-        std::string::npos);
-    EXPECT_NE(explained.out.find("plus(int32, int32) -> int32: takes the call\n"),
+    EXPECT_NE(explained.out.find("1. plus(double scalar, double scalar) -> double scalar: refused: "
+                                 "input 1 is int32 1x1"),
               std::string::npos);
+    EXPECT_NE(
+        explained.out.find("plus(int32 scalar, int32 scalar) -> int32 scalar: takes the call\n"),
+        std::string::npos);
     EXPECT_NE(
         kcall({"--explain", "plus([1 2], [3 4])"}).out.find("takes the call, element by element"),
         std::string::npos);
