@@ -78,11 +78,11 @@ private:
     std::size_t pos_ = 0;
 };
 
-// The variable the statement assigns, if it parses: its target, or ans.
+// The variable the statement assigns first, if it parses: its first target, or ans.
 std::string targetOf(const std::string& statement) {
     try {
         const kcall::Statement parsed = kcall::parseLine(statement);
-        return parsed.target.empty() ? "ans" : parsed.target;
+        return parsed.targets.empty() ? "ans" : parsed.targets.front();
     } catch (const kcall::ParseError&) {
         return {};
     }

@@ -24,7 +24,7 @@
 namespace kcall {
 namespace {
 
-// A tree as 3, (1+2i), 'text', "text", name, f(a, b), [a b; c].
+// A tree as 3, (1+2i), 'text', "text", name, f(a, b), [a b; c], a run of numbers as 1 2 3.
 std::string show(const Expr& e) {
     std::ostringstream os;
     switch (e.kind) {
@@ -45,6 +45,11 @@ std::string show(const Expr& e) {
             os << ")";
             break;
         }
+        case Expr::Kind::Numbers: {
+            const char* separator = "";
+            for (const double v : e.values) os << std::exchange(separator, " ") << v;
+            break;
+        }
         case Expr::Kind::Matrix: {
             os << "[";
             const char* rowSeparator = "";
@@ -61,7 +66,10 @@ std::string show(const Expr& e) {
 }
 
 std::string show(const Statement& s) {
-    std::string text = s.target.empty() ? "" : s.target + " = ";
+    std::string text;
+    for (const std::string& name : s.targets) text += (text.empty() ? "" : ", ") + name;
+    if (s.targets.size() > 1) text = "[" + text + "]";
+    if (!s.targets.empty()) text += " = ";
     text += s.value ? show(*s.value) : "<nothing>";
     return s.quiet ? text + ";" : text;
 }
@@ -104,6 +112,14 @@ TEST(Parser, LiteralsCallsAndMatrices) {
         {"   % only a comment", "<nothing>"},
         {";", "<nothing>;"},
         {"a == 1", "<error>"},
+        {"1:3", "colon(1, 3)"},
+        {"x = -1 : 0.5 : f(2);", "x = colon(-1, 0.5, f(2));"},
+        {"[1:3 4 5; (2:n) x]", "[colon(1, 3) 4 5; colon(2, n) x]"},
+        {"[1 2 3 2+1i 4]", "[1 2 3 (2+1i) 4]"},
+        {"[a, ~] = f(x)", "[a, ~] = f(x)"},
+        {"[a b] = f(x)", "[a, b] = f(x)"},
+        {"[y] = f(x)", "y = f(x)"},
+        {"[a b]", "[a b]"},
     };
     for (const auto& c : cases) {
         std::string tree;
@@ -136,6 +152,9 @@ TEST(Parser, MalformedLinesNameTheColumnAndWhatWasExpected) {
         {"[1, ]", "column 5: expected an element after ','"},
         {"[1'a']", "column 3: expected a blank, ',', ';' or ']'"},
         {"#", "column 1: expected an expression"},
+        {"1:2:3:4", "column 6: expected end of the range (a range is a:b or a:s:b)"},
+        {"x = 1:", "column 7: expected an expression"},
+        {"[a, 1] = f(x)", "column 8: expected end of line"},
         {std::string(300, '[') + std::string(300, ']'),
          "column 201: expected at most 200 levels of nesting"},
         {"f(" + std::string(100000, '1') + ")", ""},
@@ -259,6 +278,7 @@ public:
         }
         return nullptr;
     }
+    std::vector<std::string> names() const override { return {"twice", "noisy", "broken"}; }
 
 private:
     DeclaredBuiltin twice_{std::move(Builtin("twice").def(&twice, declare::pure))};
@@ -302,6 +322,33 @@ TEST_F(SessionTest, ResultsWarningsAndErrorsInBothForms) {
         "{\"warning\":\"careful\"}\n"
         "{\"class\":\"logical\",\"size\":[1,1],\"complex\":false,\"data\":[true]}\n"
         "{\"error\":\"it broke\"}\n|");
+}
+
+TEST_F(SessionTest, CompletesBuiltinsConversionsAndVariables) {
+    std::ostringstream out, err;
+    Session session(directory_, out, err, false);
+    session.runLine("tx = 1;");
+    EXPECT_EQ(session.evaluator().namesStartingWith("t"),
+              (std::vector<std::string>{"true", "twice", "tx"}));
+    EXPECT_EQ(session.evaluator().namesStartingWith("int3"), std::vector<std::string>{"int32"});
+}
+
+TEST_F(SessionTest, LargeLiteralsAreOneArray) {
+    // Two rows of half a million numbers: x(r, j) is 1000 r + j mod 1000.
+    std::string line = "x = [";
+    for (int row = 0; row < 2; ++row) {
+        for (int j = 0; j < 500'000; ++j)
+            line += std::to_string(row * 1000 + j % 1000) + (j % 7 ? " " : ", ");
+        line += row == 0 ? "; " : "];";
+    }
+    std::ostringstream out, err;
+    Session session(directory_, out, err, false);
+    ASSERT_TRUE(session.runLine(line)) << err.str();
+    const kaArray_tag* x = session.evaluator().variable("x");
+    EXPECT_EQ(testsupport::dimsOf(x), (std::vector<std::size_t>{2, 500'000}));
+    const std::vector<double> values = elementsOf<double>(x);
+    EXPECT_EQ(std::tuple(values[0], values[1], values[2], values.back()),
+              std::tuple(0.0, 1000.0, 1.0, 1999.0));
 }
 
 }  // namespace

@@ -5,15 +5,25 @@
 #include <sstream>
 #include <utility>
 
+#include <builtin/declare/ReadableTypes.hpp>
+
 namespace Norvane::builtin::declare {
 
-std::string signatureText(const BuiltinVariant& v) {
+std::string signatureText(const BuiltinVariant& v, TypeWording wording) {
+    std::vector<std::string> inputs = v.inputTypes;
+    std::string output = v.outputTypes.empty() ? std::string() : v.outputTypes.front();
+    if (wording == TypeWording::READABLE) {
+        inputs.clear();
+        for (const ArgType& input : v.inputArgTypes) inputs.push_back(readableType(input));
+        if (!v.outputArgTypes.empty())
+            output = readableType(v.outputArgTypes.front(), types::ArgTypeDirection::OUTPUT);
+    }
     std::ostringstream text;
     text << v.cppFunctionName << "(";
     const char* separator = "";
-    for (const std::string& input : v.inputTypes) text << std::exchange(separator, ", ") << input;
+    for (const std::string& input : inputs) text << std::exchange(separator, ", ") << input;
     text << ")";
-    if (!v.outputTypes.empty()) text << " -> " << v.outputTypes.front();
+    if (!output.empty()) text << " -> " << output;
     return text.str();
 }
 
@@ -63,7 +73,11 @@ bool covers(const BuiltinVariant& earlier, const BuiltinVariant& later) {
 }  // namespace
 
 std::vector<LintFinding> lintVariantLists(const std::string& name,
-                                          const builtinreg::BuiltinVariantLists& lists) {
+                                          const builtinreg::BuiltinVariantLists& lists,
+                                          TypeWording wording) {
+    const auto signatureOf = [wording](const BuiltinVariant& v) {
+        return signatureText(v, wording);
+    };
     std::vector<LintFinding> findings;
     const std::vector<BuiltinVariant>& list = lists.searchedByInvokeNoOrro;
     for (std::size_t j = 0; j < list.size(); ++j) {
@@ -75,9 +89,9 @@ std::vector<LintFinding> lintVariantLists(const std::string& name,
             if (same || covers(earlier, later)) {
                 findings.push_back(
                     {LintFinding::Kind::UNREACHABLE,
-                     name + ": " + signatureText(later) + " is never called: " +
+                     name + ": " + signatureOf(later) + " is never called: " +
                          (same ? "it has the signature of " : "every call it takes goes to ") +
-                         signatureText(earlier) + ", which comes first"});
+                         signatureOf(earlier) + ", which comes first"});
                 break;
             }
         }
@@ -87,7 +101,7 @@ std::vector<LintFinding> lintVariantLists(const std::string& name,
             declaredSupportLevel(v) != OrroSupportLevel::NO_SUPPORT) {
             findings.push_back(
                 {LintFinding::Kind::LOWERED,
-                 name + ": " + signatureText(v) +
+                 name + ": " + signatureOf(v) +
                      " is never offered to the engine: a variant "
                      "ahead of it that the engine cannot call takes calls it would take"});
         }

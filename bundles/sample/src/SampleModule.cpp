@@ -17,7 +17,10 @@
 //   sort                 of a double vector, with 'ascend' or 'descend'
 //   upper                of a string or a char row
 //   inv                  of a double scalar; 0 is an error
-//   size, class          default implementations only, over arrays of every kind
+//   size, class          default implementations only, over arrays of every kind; size gives
+//                        one dimension to each output asked for
+//   zeros, ones, rand,   arrays without literals (Constructors.hpp)
+//   colon
 //   counter, count       an object of the class system's Counter class made from a number, and
 //                        the number read back
 #include <algorithm>
@@ -36,6 +39,7 @@
 #include <ka/ka.hpp>
 
 #include "Arithmetic.hpp"
+#include "Constructors.hpp"
 #include "Elementary.hpp"
 
 namespace sample {
@@ -268,12 +272,24 @@ double countOf(Counter* counter) {
 // A default implementation gets the arguments as the interpreter passed them, a null one
 // included: the library hands over what no variant took, unread.
 
-// size(x): the dimensions as a row of doubles.
-void sizeOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor*) {
+// size(x): the dimensions as a row of doubles; [r, c, ...] = size(x) gives one dimension to each
+// output, 1 beyond the last, and the product of the dimensions left over to the last output.
+void sizeOf(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunctionDescriptor*) {
     if (nrhs != 1 || prhs[0] == nullptr) throw std::invalid_argument("size takes one argument");
     const auto dims = matrix::dimensions(prhs[0]);
-    std::vector<double> values(dims.begin(), dims.end());
-    plhs[0] = ka::createFrom<double>({1, values.size()}, values).release();
+    if (nlhs <= 1) {
+        std::vector<double> values(dims.begin(), dims.end());
+        plhs[0] = ka::createFrom<double>({1, values.size()}, values).release();
+        return;
+    }
+    const auto outputs = static_cast<std::size_t>(nlhs);
+    std::vector<double> extents(outputs, 1.0);
+    for (std::size_t d = 0; d < dims.size(); ++d)
+        extents[std::min(d, outputs - 1)] *= static_cast<double>(dims[d]);
+    // All made before any is handed over, so that a failure leaves no output half assigned.
+    std::vector<ka::ArrayPtr> made;
+    for (const double extent : extents) made.push_back(ka::scalar(extent));
+    for (std::size_t k = 0; k < outputs; ++k) plhs[k] = made[k].release();
 }
 
 // class(x): the class name as a char row.
@@ -325,6 +341,7 @@ void declareSample(Module& module) {
     module.builtin("count").def(&countOf, pure);
     module.builtin("size").fallback(&sizeOf, pure, noWarnings);
     module.builtin("class").fallback(&classOf, pure, noWarnings);
+    declareConstructors(module);
 }
 
 }  // namespace

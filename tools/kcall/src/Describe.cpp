@@ -3,9 +3,12 @@
 #include <sstream>
 
 #include <builtin/declare/Lint.hpp>
+#include <builtin/declare/ReadableTypes.hpp>
+#include <builtin/services/BuiltinServices.hpp>
 #include <builtin/types/ArgType.hpp>
 #include <builtin/variants/VariantAcceptance.hpp>
 #include <builtin/variants/VariantSignature.hpp>
+#include <fl/i18n.hpp>
 
 namespace kcall {
 
@@ -17,6 +20,7 @@ using Norvane::builtin::BuiltinVariant;
 using Norvane::builtin::ClassificationCache;
 using Norvane::builtin::judgeCall;
 using Norvane::builtin::VariantSignature;
+using Norvane::builtin::declare::readableType;
 using Norvane::builtin::declare::signatureText;
 using Norvane::builtin::types::ArgType;
 using Norvane::builtin::types::OrroSupportLevel;
@@ -31,8 +35,11 @@ const char* levelName(OrroSupportLevel level) {
     return "?";
 }
 
-std::string lineOf(const BuiltinVariant& v) {
-    std::string line = "  " + signatureText(v) + "   [" + levelName(v.orroSupportLevel);
+// The longest char row whose text an argument's description shows.
+constexpr std::size_t kShownText = 40;
+
+std::string lineOf(const BuiltinVariant& v, TypeWording wording) {
+    std::string line = "  " + signatureText(v, wording) + "   [" + levelName(v.orroSupportLevel);
     if (v.isElementWise == BuiltinVariant::IsElementWise::YES) line += ", element-wise";
     if (v.originalVariant) line += ", boxing";
     if (v.mayCallIntoKeldor == BuiltinVariant::CallsIntoKeldor::YES) line += ", may call back";
@@ -42,25 +49,30 @@ std::string lineOf(const BuiltinVariant& v) {
     return line + "]\n";
 }
 
-void writeList(std::ostream& os, const char* title, const std::vector<BuiltinVariant>& list) {
+void writeList(std::ostream& os, const char* title, const std::vector<BuiltinVariant>& list,
+               TypeWording wording) {
     os << title << " (" << list.size() << "):\n";
-    for (const BuiltinVariant& v : list) os << lineOf(v);
+    for (const BuiltinVariant& v : list) os << lineOf(v, wording);
 }
 
 // Why the variant refused the call, from the library's verdict, with the arguments at fault.
 std::string refusal(const BuiltinVariant& v, const AcceptanceVerdict& verdict,
-                    std::span<kaArray_tag* const> arguments) {
+                    std::span<kaArray_tag* const> arguments, TypeWording wording) {
     if (verdict.outcome == AcceptanceVerdict::Outcome::SHAPES_DO_NOT_BROADCAST) {
         return "element by element, the arrays' sizes do not agree";
     }
     const std::size_t at =
         verdict.arrayInput != AcceptanceVerdict::kNone ? verdict.arrayInput : verdict.input;
     const std::string input =
-        "input " + std::to_string(at + 1) + " is " + describeValue(arguments[at]);
-    if (verdict.arrayInput != AcceptanceVerdict::kNone) {
-        return input + ", neither " + v.inputTypes[at] + " nor an array of it";
+        "input " + std::to_string(at + 1) + " is " + describeArgument(arguments[at]);
+    const std::string declared =
+        wording == TypeWording::READABLE ? readableType(v.inputArgTypes[at]) : v.inputTypes[at];
+    // An option word has no array of it: element by element, it refused as it stands.
+    if (verdict.arrayInput != AcceptanceVerdict::kNone &&
+        !std::holds_alternative<Norvane::builtin::types::FlagInputType>(v.inputArgTypes[at])) {
+        return input + ", neither " + declared + " nor an array of it";
     }
-    return input + ", which " + v.inputTypes[at] + " does not take";
+    return input + ", which " + declared + " does not take";
 }
 
 }  // namespace
@@ -77,28 +89,47 @@ std::string describeValue(const kaArray_tag* value) {
     return text;
 }
 
+std::string describeArgument(const kaArray_tag* value) {
+    if (value == nullptr) return describeValue(value);
+    const std::size_t n = matrix::numberOfElements(value);
+    if (matrix::classId(value) == kaCHAR_CLASS && matrix::numberOfDimensions(value) == 2 &&
+        matrix::dimensions(value)[0] == 1 && n >= 1 && n <= kShownText) {
+        const std::u16string_view text(static_cast<const char16_t*>(matrix::data(value)), n);
+        return "'" + fl::i18n::ustring_to_utf8(text) + "' (" + describeValue(value) + ")";
+    }
+    const auto& strings = Norvane::builtin::getHeldService<Norvane::builtin::StringSupport>();
+    if (strings && strings->isString(value) && n == 1) {
+        const std::string text = strings->getStringUtf8(value, 0);
+        if (text.size() <= kShownText) return "\"" + text + "\" (string)";
+    }
+    return describeValue(value);
+}
+
 std::string describeBuiltin(std::string_view name, std::string_view module,
-                            const Norvane::builtin::builtinreg::BuiltinVariantLists& lists) {
+                            const Norvane::builtin::builtinreg::BuiltinVariantLists& lists,
+                            TypeWording wording) {
     std::ostringstream os;
     os << name << " (module " << module << ")\n";
-    writeList(os, "invoke, without the engine", lists.searchedByInvokeNoOrro);
-    writeList(os, "invoke, after the engine", lists.searchedByInvokeAfterOrro);
+    writeList(os, "invoke, without the engine", lists.searchedByInvokeNoOrro, wording);
+    writeList(os, "invoke, after the engine", lists.searchedByInvokeAfterOrro, wording);
     writeList(os, "invoke, after the engine, with a complex scalar",
-              lists.searchedByInvokeAfterOrroComplexScalarRhs);
-    writeList(os, "the engine", lists.searchedByOrro);
-    const auto findings = Norvane::builtin::declare::lintVariantLists(std::string(name), lists);
+              lists.searchedByInvokeAfterOrroComplexScalarRhs, wording);
+    writeList(os, "the engine", lists.searchedByOrro, wording);
+    const auto findings =
+        Norvane::builtin::declare::lintVariantLists(std::string(name), lists, wording);
     os << "lint: " << (findings.empty() ? "nothing to report\n" : "\n");
     for (const auto& finding : findings) os << "  " << finding.message << '\n';
     return os.str();
 }
 
 std::string explainCall(std::string_view name, const Norvane::builtin::BuiltinFcn& fcn,
-                        std::span<kaArray_tag* const> arguments, std::size_t nlhs) {
+                        std::span<kaArray_tag* const> arguments, std::size_t nlhs,
+                        TypeWording wording) {
     std::ostringstream os;
     os << name << "(";
     const char* separator = "";
     for (kaArray_tag* argument : arguments)
-        os << std::exchange(separator, ", ") << describeValue(argument);
+        os << std::exchange(separator, ", ") << describeArgument(argument);
     os << "), " << nlhs << (nlhs == 1 ? " output" : " outputs")
        << " asked; invoke searches its list without the engine:\n";
     ClassificationCache cache;
@@ -110,7 +141,7 @@ std::string explainCall(std::string_view name, const Norvane::builtin::BuiltinFc
     for (const BuiltinVariant& v : std::span(list, count)) {
         const AcceptanceVerdict verdict = judgeCall(v, signature);
         if (verdict.outcome == AcceptanceVerdict::Outcome::REFUSED_BY_COUNT) continue;
-        os << "  " << ++tried << ". " << signatureText(v) << ": ";
+        os << "  " << ++tried << ". " << signatureText(v, wording) << ": ";
         if (verdict.takes()) {
             os << "takes the call"
                << (verdict.outcome == AcceptanceVerdict::Outcome::TAKES_ELEMENT_WISE
@@ -118,7 +149,7 @@ std::string explainCall(std::string_view name, const Norvane::builtin::BuiltinFc
                        : "\n");
             return os.str();
         }
-        os << "refused: " << refusal(v, verdict, arguments) << '\n';
+        os << "refused: " << refusal(v, verdict, arguments, wording) << '\n';
     }
     if (tried == 0)
         os << "  no variant has " << arguments.size() << " inputs and " << nlhs << " outputs\n";

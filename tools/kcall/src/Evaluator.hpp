@@ -3,8 +3,15 @@
 // calls it (BuiltinFcn::call). Variables live for the evaluator's life; the value of a
 // statement without a target becomes ans. true and false are the logical scalars, unless a
 // variable has taken the name.
+//
+// [a, b] = f(x) asks f for as many outputs as there are names; ~ keeps an output nowhere. A
+// call that no variant takes is tried again with option words in the other quote: the
+// language reads 'descend' and "descend" alike there, so when a char row is refused, each char
+// row in turn (the last first), then all of them, go in as strings. A builtin that declares a
+// char row takes it on the first try.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <map>
@@ -13,11 +20,14 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <builtin/invoke/BuiltinFcn.hpp>
 #include <builtin/variants/BuiltinVariantLists.hpp>
 #include <ka/ka.hpp>
 
+#include "CallTimer.hpp"
 #include "Syntax.hpp"
 
 namespace kcall {
@@ -32,10 +42,14 @@ public:
     virtual const Norvane::builtin::builtinreg::BuiltinVariantLists* lists(std::string_view) const {
         return nullptr;
     }
+    // Every builtin's name, for completion; none if the directory cannot list them.
+    virtual std::vector<std::string> names() const { return {}; }
 };
 
-// Told of each call of a builtin just before it is made: name, arguments, outputs asked for.
-using CallObserver = std::function<void(const std::string&, std::span<kaArray_tag* const>, int)>;
+// Told of each attempt at a call of a builtin just before it is made: name, arguments, outputs
+// asked for, and for a second attempt what changed since the first (empty on the first).
+using CallObserver =
+    std::function<void(const std::string&, std::span<kaArray_tag* const>, int, const std::string&)>;
 
 // A mistake in a statement that parsing could not see: an unknown name, a conversion given
 // something it cannot convert. The column is that of the expression at fault.
@@ -53,22 +67,41 @@ class Evaluator {
 public:
     explicit Evaluator(const BuiltinDirectory& builtins) : builtins_(builtins) {}
 
-    // Runs the statement. No outcome for an empty statement, or a call that gave no value.
-    // Throws EvaluationError, and lets through what a builtin throws.
-    std::optional<Outcome> run(const Statement& statement);
+    // Runs the statement: the values it assigned, in the order of its names, without those
+    // that went to ~. Nothing for an empty statement, or a call that gave no value. A failed
+    // statement assigns nothing. Throws EvaluationError, and lets through what a builtin throws.
+    std::vector<Outcome> run(const Statement& statement);
 
     // The variable's value, or null.
     const kaArray_tag* variable(std::string_view name) const;
 
+    // The names that a line could use here and that start with the prefix, sorted: builtins,
+    // conversions, true and false, variables. For completion at a prompt.
+    std::vector<std::string> namesStartingWith(std::string_view prefix) const;
+
     void observeCalls(CallObserver observer) { observer_ = std::move(observer); }
+
+    // From now on each call of a builtin, once it has given its value, is timed for about the
+    // budget (kcall --time); the timings of a statement are kept until taken.
+    void timeCalls(std::chrono::nanoseconds budget) { timeBudget_ = budget; }
+    std::vector<CallTiming> takeTimings() { return std::exchange(timings_, {}); }
 
 private:
     ka::ArrayPtr evaluate(const Expr& expr);
-    // A call with the outputs asked for (0 or 1); null if the builtin gave nothing.
-    ka::ArrayPtr call(const Expr& expr, int nlhs);
+    // A call with the outputs asked for: nlhs of them, of which none is null, or for nlhs 0 one
+    // that may be null if the builtin gave nothing.
+    std::vector<ka::ArrayPtr> call(const Expr& expr, int nlhs);
+    std::vector<ka::ArrayPtr> callBuiltin(const Expr& expr, const Norvane::builtin::BuiltinFcn& fcn,
+                                          std::vector<kaArray_tag*>& arguments, int nlhs);
+    std::vector<ka::ArrayPtr> attempt(const std::string& name,
+                                      const Norvane::builtin::BuiltinFcn& fcn,
+                                      std::vector<kaArray_tag*>& arguments, int nlhs,
+                                      const std::string& note);
 
     const BuiltinDirectory& builtins_;
     CallObserver observer_;
+    std::optional<std::chrono::nanoseconds> timeBudget_;
+    std::vector<CallTiming> timings_;
     std::map<std::string, ka::ArrayPtr, std::less<>> variables_;
 };
 

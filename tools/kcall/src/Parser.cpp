@@ -2,7 +2,9 @@
 #include "Parser.hpp"
 
 #include <charconv>
+#include <complex>
 #include <limits>
+#include <vector>
 
 namespace kcall {
 
@@ -31,15 +33,7 @@ public:
         Statement result;
         skipBlanks();
         if (!atEndOfStatement() && peek() != ';') {
-            const std::size_t start = pos_;
-            const std::string name = isNameStart(peek()) ? readName() : std::string();
-            skipBlanks();
-            if (!name.empty() && peek() == '=' && peek(1) != '=') {
-                ++pos_;
-                result.target = name;
-            } else {
-                pos_ = start;
-            }
+            result.targets = targets();
             skipBlanks();
             result.value = expression(false);
             skipBlanks();
@@ -82,15 +76,78 @@ private:
         return std::string(text_.substr(start, pos_ - start));
     }
 
+    // --- targets -------------------------------------------------------------------------
+
+    // The names before '=' if the line starts with them, else none with the cursor where it
+    // was: "[a, b]" is a matrix unless an '=' follows it.
+    std::vector<std::string> targets() {
+        const std::size_t start = pos_;
+        std::vector<std::string> names;
+        if (isNameStart(peek())) {
+            names.push_back(readName());
+        } else if (peek() == '[') {
+            ++pos_;
+            skipBlanks();
+            while (peek() != ']') {
+                if (peek() == '~') {
+                    ++pos_;
+                    names.emplace_back(kDropped);
+                } else if (isNameStart(peek())) {
+                    names.push_back(readName());
+                } else {
+                    pos_ = start;
+                    return {};
+                }
+                skipBlanks();
+                if (peek() == ',') {
+                    ++pos_;
+                    skipBlanks();
+                }
+            }
+            ++pos_;
+        }
+        skipBlanks();
+        if (!names.empty() && peek() == '=' && peek(1) != '=') {
+            ++pos_;
+            return names;
+        }
+        pos_ = start;
+        return {};
+    }
+
     // --- expressions ---------------------------------------------------------------------
 
     ExprPtr expression(bool inBrackets) {
         if (depth_ == kMaxDepth)
             fail("at most " + std::to_string(kMaxDepth) + " levels of nesting");
         ++depth_;
-        ExprPtr result = primary(inBrackets);
+        ExprPtr result = rangeFrom(primary(inBrackets), inBrackets);
         --depth_;
         return result;
+    }
+
+    // Whether a ':' comes next, blanks aside.
+    bool colonNext() const {
+        std::size_t ahead = 0;
+        while (isBlank(peek(ahead))) ++ahead;
+        return peek(ahead) == ':';
+    }
+
+    // The range a:b or a:s:b that starts with `first`, as a call of colon; `first` itself if no
+    // ':' follows it.
+    ExprPtr rangeFrom(ExprPtr first, bool inBrackets) {
+        if (!colonNext()) return first;
+        auto range = std::make_unique<Expr>(Expr::Kind::Call, first->column);
+        range->text = "colon";
+        range->arguments.push_back(std::move(first));
+        while (colonNext()) {
+            skipBlanks();
+            if (range->arguments.size() == 3) fail("end of the range (a range is a:b or a:s:b)");
+            ++pos_;
+            skipBlanks();
+            range->arguments.push_back(primary(inBrackets));
+        }
+        return range;
     }
 
     ExprPtr primary(bool inBrackets) {
@@ -177,26 +234,42 @@ private:
         return value;
     }
 
-    ExprPtr number() {
-        auto node = std::make_unique<Expr>(Expr::Kind::Number, column());
-        bool imaginary = false;
+    // A real or complex literal: 3, 2i, 3+4i; `imaginary` if it has an imaginary part.
+    std::complex<double> numberLiteral(bool& imaginary) {
         const double first = literal(imaginary);
-        if (imaginary) {
-            node->number = {0, first};
-            node->imaginary = true;
-            return node;
-        }
-        node->number = first;
+        if (imaginary) return {0, first};
         // "3+4i": a real and an imaginary number joined without blanks.
         if ((peek() == '+' || peek() == '-') && startsNumber(1)) {
             const std::size_t sign = pos_;
-            bool second = false;
-            const double imaginaryPart = literal(second);
-            if (!second) failAt(sign, "an imaginary part such as 4i (there are no operators)");
-            node->number = {first, imaginaryPart};
-            node->imaginary = true;
+            const double imaginaryPart = literal(imaginary);
+            if (!imaginary) failAt(sign, "an imaginary part such as 4i (there are no operators)");
+            return {first, imaginaryPart};
         }
+        return first;
+    }
+
+    ExprPtr number() {
+        auto node = std::make_unique<Expr>(Expr::Kind::Number, column());
+        node->number = numberLiteral(node->imaginary);
         return node;
+    }
+
+    // A number as an element of a matrix row. A real one that starts no range joins the run of
+    // numbers right before it, without a node of its own.
+    void numberElement(std::vector<ExprPtr>& row) {
+        const std::size_t start = column();
+        bool imaginary = false;
+        const std::complex<double> value = numberLiteral(imaginary);
+        if (!imaginary && !colonNext()) {
+            if (row.empty() || row.back()->kind != Expr::Kind::Numbers)
+                row.push_back(std::make_unique<Expr>(Expr::Kind::Numbers, start));
+            row.back()->values.push_back(value.real());
+            return;
+        }
+        auto node = std::make_unique<Expr>(Expr::Kind::Number, start);
+        node->number = value;
+        node->imaginary = imaginary;
+        row.push_back(rangeFrom(std::move(node), true));
     }
 
     ExprPtr nameOrCall(bool inBrackets) {
@@ -276,7 +349,11 @@ private:
                 continue;
             }
             if (c == '%') fail("']' before a comment");
-            row.push_back(expression(true));
+            if (startsNumber(0) || ((c == '-' || c == '+') && startsNumber(1))) {
+                numberElement(row);
+            } else {
+                row.push_back(expression(true));
+            }
             const bool blank = skipBlanks();
             const char next = peek();
             if (next == ',') {

@@ -1,7 +1,9 @@
 // The parser of kcall lines. One line is one statement:
 //
-//   line       := [ [name '='] expr ] [';'] ['%' comment]
-//   expr       := number | char-row | string | name | name '(' [expr {',' expr}] ')'
+//   line       := [ [targets '='] expr ] [';'] ['%' comment]
+//   targets    := name | '[' target {[','] target} ']'        target := name | '~'
+//   expr       := operand [':' operand [':' operand]]
+//   operand    := number | char-row | string | name | name '(' [expr {',' expr}] ')'
 //               | '[' [row {(';' | newline) row}] ']' | '(' expr ')'
 //   row        := expr {[','] expr}
 //
@@ -9,8 +11,11 @@
 // i or j behind for an imaginary number; a real number and an imaginary one joined by + or -
 // without blanks ("3+4i") are one complex number. Inside brackets a blank separates elements,
 // so [1 -2] has two. 'text' is a char row, with '' for a quote; "text" a string, with "" for
-// a double quote. A newline inside brackets separates rows; a line whose brackets are still
-// open is incomplete (needsMoreInput).
+// a double quote. a:b and a:s:b are ranges, calls of colon. A newline inside brackets separates
+// rows; a line whose brackets are still open is incomplete (needsMoreInput).
+//
+// The real numbers of a matrix row are read straight into plain values, so that a literal of
+// n elements takes time and memory in proportion to n, with a small constant.
 #pragma once
 
 #include <cstddef>

@@ -6,7 +6,6 @@
 
 #include <fl/i18n.hpp>
 
-#include "Describe.hpp"
 #include "Parser.hpp"
 #include "Printer.hpp"
 
@@ -24,14 +23,16 @@ Session::~Session() {
 bool Session::runLine(std::string_view line) {
     try {
         const Statement statement = parseLine(line);
-        const std::optional<Outcome> outcome = evaluator_.run(statement);
-        if (outcome && !statement.quiet) {
+        const std::vector<Outcome> outcomes = evaluator_.run(statement);
+        for (const Outcome& outcome : outcomes) {
+            if (statement.quiet) break;
             if (json_) {
-                writeJsonLine(out_, toJson(outcome->value));
+                writeJsonLine(out_, toJson(outcome.value));
             } else {
-                display(out_, outcome->value, outcome->name);
+                display(out_, outcome.value, outcome.name);
             }
         }
+        showTimings();
         out_.flush();
         return true;
     } catch (const std::exception& e) {
@@ -39,17 +40,38 @@ bool Session::runLine(std::string_view line) {
     } catch (...) {
         reportError("an unknown exception");
     }
+    // The calls timed before the failure were timed all the same.
+    showTimings();
     anyFailed_ = true;
     return false;
 }
 
-void Session::explainCalls(const BuiltinDirectory& builtins, std::ostream& out) {
-    evaluator_.observeCalls([&builtins, &out](const std::string& name,
-                                              std::span<kaArray_tag* const> arguments, int nlhs) {
+void Session::explainCalls(const BuiltinDirectory& builtins, std::ostream& out,
+                           TypeWording wording) {
+    evaluator_.observeCalls([&builtins, &out, wording](const std::string& name,
+                                                       std::span<kaArray_tag* const> arguments,
+                                                       int nlhs, const std::string& note) {
         if (const auto* fcn = builtins.find(name)) {
-            out << explainCall(name, *fcn, arguments, static_cast<std::size_t>(nlhs));
+            out << note
+                << explainCall(name, *fcn, arguments, static_cast<std::size_t>(nlhs), wording);
         }
     });
+}
+
+void Session::showTimings() {
+    for (const CallTiming& timing : evaluator_.takeTimings()) {
+        if (json_) {
+            writeJsonLine(out_, boost::json::object{{"time", boost::json::object{
+                                                                 {"call", timing.call},
+                                                                 {"seconds", timing.seconds},
+                                                                 {"calls", timing.runs},
+                                                             }}});
+        } else {
+            out_ << "time: " << timing.call << ": " << durationText(timing.seconds)
+                 << " per call (median of " << timing.runs
+                 << (timing.runs == 1 ? " call)\n" : " calls)\n");
+        }
+    }
 }
 
 void Session::warn(std::u16string_view text) {

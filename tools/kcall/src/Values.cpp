@@ -184,6 +184,12 @@ std::optional<kaClassID> conversionClass(std::string_view name) {
     return std::nullopt;
 }
 
+std::vector<std::string> conversionNames() {
+    std::vector<std::string> names;
+    for (const auto& conversion : kConversions) names.emplace_back(conversion.name);
+    return names;
+}
+
 ka::ArrayPtr convertTo(kaClassID target, const kaArray_tag* array) {
     requirePlain(array, ka::className(target));
     const bool complex = matrix::isComplex(array);
@@ -244,14 +250,29 @@ ka::ArrayPtr concatenate(const std::vector<std::vector<const kaArray_tag*>>& row
         height += heights.back();
     }
     ka::ArrayPtr result = create(id, {height, columns}, complex);
+    const std::size_t size = ka::elementSize(id) * (complex ? 2 : 1);
+    auto* const to = static_cast<char*>(matrix::data(result.get()));
     std::size_t top = 0;
     for (std::size_t r = 0; r < kept.size(); ++r) {
         std::size_t left = 0;
         for (const kaArray_tag* element : kept[r]) {
-            for (std::size_t c = 0; c < columnsOf(element); ++c) {
-                for (std::size_t e = 0; e < rowsOf(element); ++e) {
-                    copyElement(element, c * rowsOf(element) + e, result.get(),
-                                (left + c) * height + top + e);
+            const std::size_t h = rowsOf(element);
+            if (matrix::classId(element) == id && matrix::isComplex(element) == complex) {
+                // The same layout: each column of the element is a run of the result's column,
+                // and all of them one run when the element is as high as the result.
+                const auto* from = static_cast<const char*>(matrix::data(element));
+                const std::size_t runs = h == height ? 1 : columnsOf(element);
+                const std::size_t run = h == height ? matrix::numberOfElements(element) : h;
+                for (std::size_t c = 0; c < runs; ++c) {
+                    std::memcpy(to + ((left + c) * height + top) * size, from + c * run * size,
+                                run * size);
+                }
+            } else {
+                for (std::size_t c = 0; c < columnsOf(element); ++c) {
+                    for (std::size_t e = 0; e < h; ++e) {
+                        copyElement(element, c * h + e, result.get(),
+                                    (left + c) * height + top + e);
+                    }
                 }
             }
             left += columnsOf(element);

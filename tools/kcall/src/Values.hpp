@@ -26,6 +26,7 @@ ka::ArrayPtr stringValue(std::string_view utf8);
 
 // The class that a conversion name stands for ("int32", "logical", ...), if it is one.
 std::optional<kaClassID> conversionClass(std::string_view name);
+std::vector<std::string> conversionNames();
 // The array converted to the class: numeric, logical and char arrays only.
 ka::ArrayPtr convertTo(kaClassID target, const kaArray_tag* array);
 

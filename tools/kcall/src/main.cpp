@@ -2,14 +2,16 @@
 //
 //   kcall 'plus(1, 2)' 'x = [1 2; 3 4]' 'sum(x)'     each argument one line
 //   kcall                                           lines from standard input (a prompt on a
-//                                                   terminal)
-//   kcall --list | --describe NAME | --explain EXPR | --lint [MODULE]
+//                                                   terminal, with completion of names on Tab)
+//   kcall --list | --describe NAME | --explain EXPR | --time EXPR | --lint [MODULE]
 //
 // It starts the service framework and the builtin service bundles, then every module bundle of
 // the builtin services folder and of each --modules folder, and evaluates lines against the
-// builtins the modules declare. Exit status: 0, or 1 if a line failed (with arguments, the first
-// failure ends the run) or the lint found something, 2 for a bad command line. A module that
-// cannot be loaded is one warning on stderr; the others serve.
+// builtins the modules declare. Lines given beside --explain or --time run first, as setup.
+// Exit status: 0, or 1 if a line failed (with arguments, the first failure ends the run) or the
+// lint found something, 2 for a bad command line. A module that cannot be loaded is one warning
+// on stderr; the others serve.
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -46,6 +48,11 @@ public:
         std::string_view name) const override {
         return modules_.lists(name);
     }
+    std::vector<std::string> names() const override {
+        std::vector<std::string> all;
+        for (const auto& [name, module] : modules_.list()) all.push_back(name);
+        return all;
+    }
 
 private:
     const Norvane::builtin::declare::ModuleDirectory& modules_;
@@ -58,6 +65,8 @@ struct Options {
     bool list = false;
     std::string describe;
     std::string explain;
+    std::string time;
+    bool types = false;
     int threads = 0;
     bool lint = false;
     std::string lintModule;  // empty: every module
@@ -88,24 +97,32 @@ int listBuiltins(const Norvane::builtin::declare::ModuleDirectory& modules) {
     return 0;
 }
 
-int describe(const Norvane::builtin::declare::ModuleDirectory& modules, const std::string& name) {
+// How the types of signatures are worded: as people read them, or with --types as the
+// engine's type expressions.
+kcall::TypeWording wordingOf(const Options& options) {
+    return options.types ? kcall::TypeWording::ENGINE : kcall::TypeWording::READABLE;
+}
+
+int describe(const Norvane::builtin::declare::ModuleDirectory& modules, const Options& options) {
+    const std::string& name = options.describe;
     const auto* lists = modules.lists(name);
     if (lists == nullptr) {
         std::cerr << "Error: no builtin named " << name << "\n";
         return 1;
     }
-    std::cout << kcall::describeBuiltin(name, modules.moduleOf(name), *lists);
+    std::cout << kcall::describeBuiltin(name, modules.moduleOf(name), *lists, wordingOf(options));
     return 0;
 }
 
 // Every finding of the lint for the builtins of one module, or of all; 1 if there is any.
-int lint(const Norvane::builtin::declare::ModuleDirectory& modules, const std::string& module) {
+int lint(const Norvane::builtin::declare::ModuleDirectory& modules, const Options& options) {
+    const std::string& module = options.lintModule;
     std::size_t findings = 0, builtins = 0;
     for (const auto& [name, owner] : modules.list()) {
         if (!module.empty() && owner != module) continue;
         ++builtins;
-        for (const auto& finding :
-             Norvane::builtin::declare::lintVariantLists(name, *modules.lists(name))) {
+        for (const auto& finding : Norvane::builtin::declare::lintVariantLists(
+                 name, *modules.lists(name), wordingOf(options))) {
             std::cout << owner << ": " << finding.message << "\n";
             ++findings;
         }
@@ -121,17 +138,21 @@ int lint(const Norvane::builtin::declare::ModuleDirectory& modules, const std::s
 
 int run(const Options& options, const kcall::BuiltinDirectory& builtins) {
     kcall::Session session(builtins, std::cout, std::cerr, options.json);
+    for (const std::string& line : options.lines) {
+        if (!session.runLine(line)) return 1;
+    }
     if (!options.explain.empty()) {
-        session.explainCalls(builtins, std::cout);
+        session.explainCalls(builtins, std::cout, wordingOf(options));
         return session.runLine(options.explain) ? 0 : 1;
     }
-    if (!options.lines.empty()) {
-        for (const std::string& line : options.lines) {
-            if (!session.runLine(line)) return 1;
-        }
-        return 0;
+    if (!options.time.empty()) {
+        session.timeCalls(std::chrono::seconds(1));
+        return session.runLine(options.time) ? 0 : 1;
     }
-    kcall::LineReader reader(std::cin);
+    if (!options.lines.empty()) return 0;
+    kcall::LineReader reader(std::cin, [&session](std::string_view prefix) {
+        return session.evaluator().namesStartingWith(prefix);
+    });
     while (const std::optional<std::string> line = reader.next()) session.runLine(*line);
     return session.anyFailed() ? 1 : 0;
 }
@@ -159,14 +180,28 @@ int main(int argc, char** argv) {
     app.add_flag("--list", options.list, "List every builtin with its module");
     app.add_option("--describe", options.describe,
                    "Show a builtin's variant lists and the lint's findings");
-    app.add_option("--explain", options.explain,
-                   "Evaluate a line and show, for each call, how its variant was chosen");
+    CLI::Option* explain =
+        app.add_option("--explain", options.explain,
+                       "Evaluate a line and show, for each call, how its variant was chosen");
+    app.add_option("--time", options.time,
+                   "Evaluate a line, run each of its calls again for about a second, and show "
+                   "the median time of one call")
+        ->excludes(explain);
+    app.add_flag("--types", options.types,
+                 "In --describe, --explain and --lint, the engine's type expressions rather "
+                 "than readable types");
     app.add_option("--lint", options.lintModule,
                    "Lint every loaded builtin, or those of one module; exit 1 on any finding")
         ->expected(0, 1);
     app.add_option("--threads", options.threads, "The most worker threads of element-wise loops")
-        ->check(CLI::PositiveNumber);
-    CLI11_PARSE(app, argc, argv);
+        ->check(CLI::Range(1, 4096));
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        // --help and --version end here too, with CLI11's status 0; a mistake is status 2, not
+        // CLI11's own numbers.
+        return app.exit(e) == 0 ? 0 : 2;
+    }
     options.lint = app.count("--lint") > 0;
     bool afterSeparator = false;
     for (const std::string& argument : app.remaining()) {
@@ -195,9 +230,9 @@ int main(int argc, char** argv) {
         const auto modules = Norvane::builtin::declare::ModuleDirectory::start(folders, problems);
         for (const std::string& problem : problems) std::cerr << "Warning: " << problem << "\n";
         showStringsAsText();
-        if (options.lint) return lint(modules, options.lintModule);
+        if (options.lint) return lint(modules, options);
         if (options.list) return listBuiltins(modules);
-        if (!options.describe.empty()) return describe(modules, options.describe);
+        if (!options.describe.empty()) return describe(modules, options);
         const Directory builtins(modules);
         return run(options, builtins);
     } catch (const std::exception& e) {

@@ -21,10 +21,16 @@ struct LintFinding {
     std::string message;
 };
 
+// How a signature names its types: as people read them (ReadableTypes.hpp), or as the engine's
+// type expressions, which a module author may need to see when the engine is the question.
+enum class TypeWording { READABLE, ENGINE };
+
 // A variant as the findings and hosts name it: "cppName(type, type) -> type".
-BUILTIN_API std::string signatureText(const BuiltinVariant& variant);
+BUILTIN_API std::string signatureText(const BuiltinVariant& variant,
+                                      TypeWording wording = TypeWording::READABLE);
 
 BUILTIN_API std::vector<LintFinding> lintVariantLists(const std::string& builtinName,
-                                                      const builtinreg::BuiltinVariantLists& lists);
+                                                      const builtinreg::BuiltinVariantLists& lists,
+                                                      TypeWording wording = TypeWording::READABLE);
 
 }  // namespace Norvane::builtin::declare
