@@ -4,6 +4,10 @@
 // (alternative 13), also for a 1-by-1 result. Two unboxed scalars, or one, go straight to the
 // scalar wrapper of the same signature and come back unboxed.
 //
+// These are the entries for kernels known only at run time, through the descriptor's pointer.
+// They and the entries that modules make for kernels known at compile time, of one to four inputs
+// of any numeric types, are one template over one plan (LiftedEntry.hpp, LiftPlan.hpp).
+//
 // A module declares the typed entry of an element-wise variant as a small forwarding function
 // that adds the type indices, which is what elementWiseEntry<T, Inputs> below is:
 //
@@ -34,7 +38,8 @@
 // Reports. Kernels report through a ParallelEnvironment, which hands everything to `environment`
 // at the end and sets `pending`. If any kernel reported an exception, the result is alternative
 // 13 holding null and the first exception reported is the one the environment gets; warnings
-// come first, in element order (a kernel that may warn never runs in parallel).
+// come first, in element order (a kernel that may warn never runs in parallel). A kernel that
+// throws is taken as one that reported the exception.
 #pragma once
 
 #include <cstddef>

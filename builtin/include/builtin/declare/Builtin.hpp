@@ -1,17 +1,20 @@
 // Declaring a builtin from native functions, one line each:
 //
 //   declare::Builtin plus("plus");
-//   plus.def(&addDoubles, declare::pure, declare::elementwise)   // double f(double, double)
-//       .def(&joinStrings, declare::pure);                        // std::u16string f(...)
+//   plus.def<&addDoubles>(declare::pure, declare::elementwise)  // double f(double, double)
+//       .def(&joinStrings, declare::pure);                      // std::u16string f(...)
 //   declare::Builtin size("size");
-//   size.fallback(&sizeOfArrays, declare::pure);                  // an array function
-//   declare::DeclaredBuiltin done(std::move(plus));               // lists and BuiltinFcn
+//   size.fallback(&sizeOfArrays, declare::pure);                // an array function
+//   declare::DeclaredBuiltin done(std::move(plus));             // lists and BuiltinFcn
 //
+// A function is a pointer, a function named as a template argument, a lambda without captures
+// or a functor; the last three are known at compile time, so element-wise loops call them inline.
 // From the C++ type of each function the templates here work out, at compile time, the possible
 // ArgTypes of each parameter (Parameters.hpp), the calling convention (Signature.hpp) and the
-// typed entry: the library's wrapper for up to two inputs that are Parameter alternatives, the
-// lifted entry for an element-wise kernel, and otherwise an entry of the module's own that
-// converts (Entries.hpp). Everything else is ordinary code in the library.
+// typed entry: the library's wrapper for up to two inputs that are Parameter alternatives, a
+// lifted entry for an element-wise kernel (LiftedEntry.hpp), and otherwise an entry of the
+// module's own that converts (Entries.hpp). A result of several outputs adds a default
+// implementation (Outputs.hpp). Everything else is ordinary code in the library.
 #pragma once
 
 #include <memory>
