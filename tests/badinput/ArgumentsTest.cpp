@@ -271,17 +271,23 @@ TEST(BadInput, ArrayClasses) {
                         [] { return arrays(string(u"a"), ka::scalar(1.0)); }),
             interpreted("string, string", "minus",
                         [] { return arrays(string(u"a"), string(u"b")); }),
-            interpreted("logical, logical", "plus",
-                        [] { return arrays(ka::scalar(true), ka::scalar(true)); }),
+            interpreted(
+                "int8, int16", "plus",
+                [] { return arrays(ka::scalar<std::int8_t>(1), ka::scalar<std::int16_t>(1)); }, 1,
+                refusal<std::invalid_argument>(
+                    "integers of different classes cannot be combined: int8 and int16")),
             interpreted("cell, double", "plus",
                         [] {
                             return arrays(ka::createCell({1, 1}), ka::scalar(1.0));
                         }),
-            interpreted("double, int32", "plus",
-                        [] { return arrays(ka::scalar(1.0), ka::scalar<std::int32_t>(1)); }),
             interpreted(
-                "int8, int8", "plus",
-                [] { return arrays(ka::scalar<std::int8_t>(1), ka::scalar<std::int8_t>(1)); }),
+                "uint64 row, complex double", "times",
+                [] {
+                    return arrays(ka::row<std::uint64_t>({1, 2}), ka::scalar(Complex(1, 1)));
+                },
+                1,
+                refusal<std::invalid_argument>(
+                    "complex values and integers cannot be combined: uint64 and complex double")),
             interpreted("double, a null argument", "plus",
                         [] { return arrays(ka::scalar(1.0), nullptr); }),
             interpreted(

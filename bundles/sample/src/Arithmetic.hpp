@@ -1,57 +1,29 @@
-// The kernels of the sample module's arithmetic: plus, minus and times of double, single,
-// int32 (saturating at its limits, as the language does) and complex double, with a real and a
-// complex argument promoting to complex.
+// plus, minus and times under the class rules of the language (declare/Arithmetic.hpp), over
+// every pair of the numeric classes, logical and char, for scalars and arrays with broadcasting;
+// plus of two strings joins them. Each builtin is a unit of its own: a hundred kernels, each with
+// its lifted loops, take a while to compile, and three units compile side by side.
 #pragma once
 
-#include <algorithm>
-#include <complex>
-#include <cstdint>
-#include <limits>
+#include <builtin/declare/Module.hpp>
 
 namespace sample {
 
-// The language's integer arithmetic: the exact result, saturated at the class's limits.
-inline std::int32_t saturate(std::int64_t exact) {
-    constexpr std::int64_t low = std::numeric_limits<std::int32_t>::min();
-    constexpr std::int64_t high = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::clamp(exact, low, high));
-}
-
+// Each operation in the classes it is computed in: double, single and their complex forms.
 template <class T>
-T add(T a, T b) {
-    if constexpr (std::is_same_v<T, std::int32_t>) {
-        return saturate(std::int64_t{a} + b);
-    } else {
-        return a + b;
-    }
-}
-
+struct Add {
+    static T apply(T a, T b) { return a + b; }
+};
 template <class T>
-T subtract(T a, T b) {
-    if constexpr (std::is_same_v<T, std::int32_t>) {
-        return saturate(std::int64_t{a} - b);
-    } else {
-        return a - b;
-    }
-}
-
+struct Subtract {
+    static T apply(T a, T b) { return a - b; }
+};
 template <class T>
-T multiply(T a, T b) {
-    if constexpr (std::is_same_v<T, std::int32_t>) {
-        return saturate(std::int64_t{a} * b);
-    } else {
-        return a * b;
-    }
-}
+struct Multiply {
+    static T apply(T a, T b) { return a * b; }
+};
 
-// A real argument beside a complex one becomes complex, as the language promotes.
-template <std::complex<double> (*Op)(std::complex<double>, std::complex<double>)>
-std::complex<double> complexReal(std::complex<double> a, double b) {
-    return Op(a, b);
-}
-template <std::complex<double> (*Op)(std::complex<double>, std::complex<double>)>
-std::complex<double> realComplex(double a, std::complex<double> b) {
-    return Op(a, b);
-}
+void declarePlus(Norvane::builtin::declare::Module& module);
+void declareMinus(Norvane::builtin::declare::Module& module);
+void declareTimes(Norvane::builtin::declare::Module& module);
 
 }  // namespace sample

@@ -2,8 +2,9 @@
 // declaration headers intend. It is the reference for authors and the subject of the end-to-end
 // tests; every road of a call runs through one of its builtins.
 //
-//   plus, minus, times   element-wise over double, single, int32, complex double; mixed real
-//                        and complex scalars; plus of two strings joins them
+//   plus, minus, times   element-wise over every pair of the numeric classes, logical and char
+//                        under the language's class rules (Arithmetic.hpp); plus of two
+//                        strings joins them
 //   sqrt                 element-wise, warns for a negative real input and gives NaN there
 //   exp, log, sin, cos,  element-wise over double and single, arrays a run at a time in SIMD
 //   tanh                 vectors; log warns for a negative input, as sqrt does
@@ -49,37 +50,6 @@ namespace {
 using namespace Norvane::builtin;
 using namespace Norvane::builtin::declare;
 using Complex = std::complex<double>;
-
-// --- arithmetic ------------------------------------------------------------------------------
-
-template <template <class> class Op>
-void declareArithmetic(Builtin& builtin) {
-    // Inside a template a chain of def<...> calls would need the template keyword before each
-    // def; one statement each reads better.
-    builtin.def<&Op<double>::apply>(pure, elementwise);
-    builtin.def<&Op<float>::apply>(pure, elementwise);
-    builtin.def<&Op<std::int32_t>::apply>(pure, elementwise);
-    builtin.def<&Op<Complex>::apply>(pure, elementwise);
-    builtin.def(&complexReal<&Op<Complex>::apply>, pure)
-        .def(&realComplex<&Op<Complex>::apply>, pure);
-}
-
-template <class T>
-struct Add {
-    static T apply(T a, T b) { return add(a, b); }
-};
-template <class T>
-struct Subtract {
-    static T apply(T a, T b) { return subtract(a, b); }
-};
-template <class T>
-struct Multiply {
-    static T apply(T a, T b) { return multiply(a, b); }
-};
-
-std::u16string join(std::u16string_view a, std::u16string_view b) {
-    return std::u16string(a) + std::u16string(b);
-}
 
 // --- functions of one number ------------------------------------------------------------------
 
@@ -302,9 +272,9 @@ void classOf(int, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs, OrroFunction
 }
 
 void declareSample(Module& module) {
-    declareArithmetic<Add>(module.builtin("plus").def(&join, pure));
-    declareArithmetic<Subtract>(module.builtin("minus"));
-    declareArithmetic<Multiply>(module.builtin("times"));
+    declarePlus(module);
+    declareMinus(module);
+    declareTimes(module);
     module.builtin("sqrt").def<&squareRoot>(pure, elementwise, warns, noErrors);
     declareElementary<elementary::Function::EXP>(module.builtin("exp"));
     declareElementary<elementary::Function::SIN>(module.builtin("sin"));

@@ -7,6 +7,8 @@
 
 #include <cstddef>
 
+#include <boost/variant/get.hpp>
+
 #include <builtin/calling/LiftPlan.hpp>
 #include <builtin/calling/OrroFunctionDescriptor.hpp>
 #include <builtin/calling/ParallelEnvironment.hpp>
@@ -29,10 +31,33 @@ inline constexpr ElementClass elementClasses[liftedTypeCount] = {
     {kaUINT16_CLASS, kaREAL},   {kaUINT32_CLASS, kaREAL}, {kaDOUBLE_CLASS, kaCOMPLEX},
     {kaSINGLE_CLASS, kaCOMPLEX}};
 
+// The elements that are lifted: the numeric alternatives of Parameter, and characters, whose
+// arrays are char arrays and whose unboxed values travel as unsigned short (alternative 9).
+template <class T>
+struct Lifted {
+    static_assert(parameterIndexOf<T> < liftedTypeCount, "only numbers are lifted");
+    using Unboxed = T;
+    static constexpr ElementClass element = elementClasses[parameterIndexOf<T>];
+};
+template <>
+struct Lifted<char16_t> {
+    using Unboxed = unsigned short;
+    static constexpr ElementClass element = {kaCHAR_CLASS, kaREAL};
+};
+
 template <class T>
 constexpr ElementClass elementClassOf() {
-    static_assert(parameterIndexOf<T> < liftedTypeCount, "only numbers are lifted");
-    return elementClasses[parameterIndexOf<T>];
+    return Lifted<T>::element;
+}
+
+// Whether an argument holds an unboxed value of T, and that value.
+template <class T>
+bool holdsUnboxed(const Parameter& argument) noexcept {
+    return argument.which() == static_cast<int>(parameterIndexOf<typename Lifted<T>::Unboxed>);
+}
+template <class T>
+T unboxed(const Parameter& argument) {
+    return static_cast<T>(boost::get<typename Lifted<T>::Unboxed>(argument));
 }
 
 // The reference that an array argument carries, now owned by the caller; empty for any other

@@ -23,6 +23,7 @@
 
 #include <builtin/calling/CallingConvention.hpp>
 #include <builtin/calling/InlineCWrappers.hpp>
+#include <builtin/calling/LiftArrays.hpp>
 #include <builtin/calling/LiftSharing.hpp>
 #include <builtin/calling/ReportingScope.hpp>
 
@@ -71,7 +72,8 @@ struct PointerKernel {
     static Parameter scalar(OrroFunctionDescriptor* descriptor,
                             IOrroBuiltinEnvironment* environment, bool& pending,
                             const ParameterList& arguments) {
-        if constexpr (sizeof...(A) <= 2) {
+        if constexpr (sizeof...(A) <= 2 &&
+                      (std::is_same_v<typename Lifted<A>::Unboxed, A> && ...)) {
             return getExportedInlineCWrapperFcn(nullptr, parameterIndexOf<R>,
                                                 parameterIndexOf<A>...)(descriptor, environment,
                                                                         pending, arguments);
@@ -132,8 +134,8 @@ private:
         return fn(in[i * steps[I]]..., trailing...);
     }
 
-    // Three or more unboxed inputs: no wrapper of the family takes them; called as a wrapper
-    // would call them.
+    // Three or more unboxed inputs, or characters: no wrapper of the family takes them; called
+    // as a wrapper would call them.
     template <std::size_t... I>
     static Parameter scalarOf(OrroFunctionDescriptor* descriptor,
                               IOrroBuiltinEnvironment* environment, bool& pending,
@@ -144,15 +146,15 @@ private:
         switch (entry == nullptr ? CanThrowOrroInternal : descriptor->callingConvention) {
             case Direct:
                 return Parameter(reinterpret_cast<orro::NativeFunction<Direct, R, A...>>(entry)(
-                    boost::get<A>(arguments[I])...));
+                    unboxed<A>(arguments[I])...));
             case DirectWithDescriptor:
                 return Parameter(
                     reinterpret_cast<orro::NativeFunction<DirectWithDescriptor, R, A...>>(entry)(
-                        boost::get<A>(arguments[I])..., descriptor));
+                        unboxed<A>(arguments[I])..., descriptor));
             case CanThrow: {
                 R out{};
                 pending = reinterpret_cast<orro::NativeFunction<CanThrow, R, A...>>(entry)(
-                    boost::get<A>(arguments[I])..., &out, environment, descriptor);
+                    unboxed<A>(arguments[I])..., &out, environment, descriptor);
                 return Parameter(out);
             }
             default:
@@ -206,12 +208,12 @@ private:
                               const ParameterList& arguments, std::index_sequence<I...>) {
         if constexpr (Convention == JIT_CALLING_CONVENTION::CanThrow) {
             R out{};
-            pending = F{}(boost::get<A>(arguments[I])..., &out, environment, descriptor);
+            pending = F{}(unboxed<A>(arguments[I])..., &out, environment, descriptor);
             return Parameter(out);
         } else if constexpr (Reports) {
             const ReportingScope scope(environment);
             try {
-                const R out = F{}(boost::get<A>(arguments[I])...);
+                const R out = F{}(unboxed<A>(arguments[I])...);
                 pending = scope.reported();
                 return Parameter(out);
             } catch (...) {
@@ -219,9 +221,9 @@ private:
                 return Parameter();
             }
         } else if constexpr (Convention == JIT_CALLING_CONVENTION::DirectWithDescriptor) {
-            return Parameter(F{}(boost::get<A>(arguments[I])..., descriptor));
+            return Parameter(F{}(unboxed<A>(arguments[I])..., descriptor));
         } else {
-            return Parameter(F{}(boost::get<A>(arguments[I])...));
+            return Parameter(F{}(unboxed<A>(arguments[I])...));
         }
     }
 

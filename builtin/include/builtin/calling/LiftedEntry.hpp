@@ -58,16 +58,12 @@ struct InputView {
     const void* data = nullptr;
 };
 
+// An unboxed scalar is viewed in `value`, a copy that must outlive the view.
 template <class A>
-bool isUnboxed(const Parameter& argument) noexcept {
-    return argument.which() == static_cast<int>(parameterIndexOf<A>);
-}
-
-// An unboxed scalar is viewed in place inside its Parameter, which must outlive the view.
-template <class A>
-InputView viewInput(const Parameter& argument, const ka::ArrayPtr& array) {
-    if (const A* value = boost::get<A>(&argument)) {
-        return {getScalarDims(), value};
+InputView viewInput(const Parameter& argument, const ka::ArrayPtr& array, A& value) {
+    if (holdsUnboxed<A>(argument)) {
+        value = unboxed<A>(argument);
+        return {getScalarDims(), &value};
     }
     if (argument.which() != static_cast<int>(parameterIndexOf<kaArray_tag*>)) {
         assertOrThrowWrongElementWiseArg(typeid(A), types::detail::parameterTypeInfo(argument),
@@ -118,14 +114,15 @@ struct Entry {
     static Parameter call(OrroFunctionDescriptor* descriptor, IOrroBuiltinEnvironment* environment,
                           bool& pending, const ParameterList& arguments,
                           std::index_sequence<I...>) {
-        if ((isUnboxed<A>(arguments[I]) && ...)) {
+        if ((holdsUnboxed<A>(arguments[I]) && ...)) {
             return Kernel::scalar(descriptor, environment, pending, arguments);
         }
         // Every reference is claimed before any view is made, so that a refusal gives back all.
         std::array<ka::ArrayPtr, N> arrays{claimArray(arguments[I])...};
         std::array<InputView, N> views;
-        ((views[N - 1 - I] =
-              viewInput<InputType<N - 1 - I>>(arguments[N - 1 - I], arrays[N - 1 - I])),
+        std::tuple<A...> scalars;
+        ((views[N - 1 - I] = viewInput<InputType<N - 1 - I>>(
+              arguments[N - 1 - I], arrays[N - 1 - I], std::get<N - 1 - I>(scalars))),
          ...);
         const std::array<std::span<const std::size_t>, N> dims{views[I].dims...};
         const LiftPlan plan = planLift(dims);

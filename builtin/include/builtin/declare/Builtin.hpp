@@ -93,18 +93,20 @@ const types::ArgType& scalarOrAnyShape(std::size_t index) {
                       : types::getAnyShapeArgType<T>(index - 1);
 }
 
-// Whether the kernel can be lifted: one to four unboxed numbers by value, a number out.
+// Whether the kernel can be lifted: one to four unboxed numbers or characters by value, a number
+// out.
+template <class T>
+constexpr bool liftedNumber() {
+    if constexpr (std::is_void_v<T>) {
+        return false;
+    } else {
+        return isNumericAlternative<T>();
+    }
+}
 template <class Output, class... Inputs>
 constexpr bool liftable() {
-    constexpr auto number = []<class T>() {
-        if constexpr (std::is_void_v<T>) {
-            return false;
-        } else {
-            return isNumericAlternative<T>();
-        }
-    };
-    return sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 4 &&
-           number.template operator()<Output>() && (number.template operator()<Inputs>() && ...);
+    return sizeof...(Inputs) >= 1 && sizeof...(Inputs) <= 4 && liftedNumber<Output>() &&
+           ((liftedNumber<Inputs>() || std::is_same_v<Inputs, char16_t>)&&...);
 }
 
 // Stored: the plain function pointer type that the descriptor's nativeEntry holds, which the

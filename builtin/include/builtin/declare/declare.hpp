@@ -1,6 +1,7 @@
 // Declaring builtins from native functions, and modules of them, in one include.
 #pragma once
 
+#include <builtin/declare/Arithmetic.hpp>
 #include <builtin/declare/Arrays.hpp>
 #include <builtin/declare/Builtin.hpp>
 #include <builtin/declare/Lint.hpp>
