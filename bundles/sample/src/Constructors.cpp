@@ -1,6 +1,6 @@
-// The constructors of the sample module. Each is of the reporting form, since each can be
-// given sizes or bounds it cannot honour; one native function per count of arguments, so that
-// a call is matched, and refused, by the declarations like any other.
+// The constructors of the sample module. Each throws for sizes or bounds it cannot honour, and
+// is declared so; one native function per count of arguments, so that a call is matched, and
+// refused, by the declarations like any other.
 #include "Constructors.hpp"
 
 #include <unistd.h>
@@ -29,21 +29,6 @@ using namespace Norvane::builtin::declare;
 
 // Whole numbers up to here are exact in a double, so a size or seed above it was not meant.
 constexpr double kLargestWhole = 9007199254740992.0;  // 2^53
-
-// The reporting form's answer: an exception of `make` becomes the call's error.
-template <class Make>
-bool reporting(IOrroBuiltinEnvironment* environment, Make&& make) {
-    try {
-        make();
-        return false;
-    } catch (...) {
-        if (IOrroBuiltinAccessors* accessors =
-                environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
-            accessors->SetInternalPendingException();
-        }
-        return true;
-    }
-}
 
 // As the language writes numbers: Inf, -Inf and NaN by name.
 std::string numberText(double x) {
@@ -127,30 +112,24 @@ ka::ArrayPtr filled(const std::vector<double>& sizes) {
 
 // One native function per form; n alone is n-by-n, and no size at all is 1-by-1.
 template <Fill F>
-bool filledScalar(ka::ArrayPtr* out, IOrroBuiltinEnvironment* environment,
-                  OrroFunctionDescriptor*) {
-    return reporting(environment, [&] { *out = filled<F>({1, 1}); });
+ka::ArrayPtr filledScalar() {
+    return filled<F>({1, 1});
 }
 template <Fill F>
-bool filledSquare(double n, ka::ArrayPtr* out, IOrroBuiltinEnvironment* environment,
-                  OrroFunctionDescriptor*) {
-    return reporting(environment, [&] { *out = filled<F>({n, n}); });
+ka::ArrayPtr filledSquare(double n) {
+    return filled<F>({n, n});
 }
 template <Fill F>
-bool filled2(double m, double n, ka::ArrayPtr* out, IOrroBuiltinEnvironment* environment,
-             OrroFunctionDescriptor*) {
-    return reporting(environment, [&] { *out = filled<F>({m, n}); });
+ka::ArrayPtr filled2(double m, double n) {
+    return filled<F>({m, n});
 }
 template <Fill F>
-bool filled3(double m, double n, double p, ka::ArrayPtr* out, IOrroBuiltinEnvironment* environment,
-             OrroFunctionDescriptor*) {
-    return reporting(environment, [&] { *out = filled<F>({m, n, p}); });
+ka::ArrayPtr filled3(double m, double n, double p) {
+    return filled<F>({m, n, p});
 }
 template <Fill F>
-bool filledOfSize(Row<double> sizes, ka::ArrayPtr* out, IOrroBuiltinEnvironment* environment,
-                  OrroFunctionDescriptor*) {
-    return reporting(environment,
-                     [&] { *out = filled<F>(std::vector<double>(sizes.begin(), sizes.end())); });
+ka::ArrayPtr filledOfSize(Row<double> sizes) {
+    return filled<F>(std::vector<double>(sizes.begin(), sizes.end()));
 }
 
 template <Fill F, class... Option>
@@ -163,16 +142,14 @@ void declareFilled(Module& module, const Option&... options) {
         .def(&filledOfSize<F>, options..., cppName(nameOf(F)));
 }
 
-bool seedRandom(double seed, void*, IOrroBuiltinEnvironment* environment, OrroFunctionDescriptor*) {
-    return reporting(environment, [&] {
-        if (!(seed >= 0 && seed <= kLargestWhole && std::floor(seed) == seed)) {
-            throw std::invalid_argument("rand: a seed is a whole number from 0 to 2^53, not " +
-                                        numberText(seed));
-        }
-        RandomState& state = randomState();
-        const std::lock_guard lock(state.mutex);
-        state.generator.seed(static_cast<std::uint64_t>(seed));
-    });
+void seedRandom(double seed) {
+    if (!(seed >= 0 && seed <= kLargestWhole && std::floor(seed) == seed)) {
+        throw std::invalid_argument("rand: a seed is a whole number from 0 to 2^53, not " +
+                                    numberText(seed));
+    }
+    RandomState& state = randomState();
+    const std::lock_guard lock(state.mutex);
+    state.generator.seed(static_cast<std::uint64_t>(seed));
 }
 
 // --- ranges -----------------------------------------------------------------------------------
@@ -214,28 +191,23 @@ ka::ArrayPtr range(double a, double s, double b) {
     return result;
 }
 
-bool rangeByOne(double a, double b, ka::ArrayPtr* out, IOrroBuiltinEnvironment* environment,
-                OrroFunctionDescriptor*) {
-    return reporting(environment, [&] { *out = range(a, 1, b); });
-}
-bool rangeByStep(double a, double s, double b, ka::ArrayPtr* out,
-                 IOrroBuiltinEnvironment* environment, OrroFunctionDescriptor*) {
-    return reporting(environment, [&] { *out = range(a, s, b); });
+ka::ArrayPtr rangeByOne(double a, double b) {
+    return range(a, 1, b);
 }
 
 }  // namespace
 
 void declareConstructors(Module& module) {
-    declareFilled<Fill::ZEROS>(module, pure, noWarnings);
-    declareFilled<Fill::ONES>(module, pure, noWarnings);
+    declareFilled<Fill::ZEROS>(module, pure, throws);
+    declareFilled<Fill::ONES>(module, pure, throws);
     // rand changes the generator's state: a side effect, which keeps the engine from reordering
     // or dropping its calls.
-    declareFilled<Fill::RANDOM>(module, noCallbacks, noWarnings);
-    module.builtin("rand").def(&seedRandom, noCallbacks, noWarnings, flag(0, "seed"),
+    declareFilled<Fill::RANDOM>(module, noCallbacks, throws);
+    module.builtin("rand").def(&seedRandom, noCallbacks, throws, flag(0, "seed"),
                                cppName("randSeed"));
     module.builtin("colon")
-        .def(&rangeByOne, pure, noWarnings, cppName("colon"))
-        .def(&rangeByStep, pure, noWarnings, cppName("colon"));
+        .def(&rangeByOne, pure, throws, cppName("colon"))
+        .def(&range, pure, throws, cppName("colon"));
 }
 
 }  // namespace sample

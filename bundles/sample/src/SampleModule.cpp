@@ -135,18 +135,9 @@ double roundEven(double x) {
 }
 
 // inv of a scalar: 1/0 is an error here rather than Inf.
-bool inverse(double x, double* out, IOrroBuiltinEnvironment* environment, OrroFunctionDescriptor*) {
-    try {
-        if (x == 0) throw std::domain_error("inv: the inverse of 0 does not exist");
-        *out = 1 / x;
-        return false;
-    } catch (...) {
-        if (IOrroBuiltinAccessors* accessors =
-                environment != nullptr ? environment->GetOrroBuiltinAccessors() : nullptr) {
-            accessors->SetInternalPendingException();
-        }
-        return true;
-    }
+double inverse(double x) {
+    if (x == 0) throw std::domain_error("inv: the inverse of 0 does not exist");
+    return 1 / x;
 }
 
 // --- arrays ----------------------------------------------------------------------------------
@@ -293,7 +284,7 @@ void declareSample(Module& module) {
     module.builtin("ldexp").def<&scaleByPowerOfTwo>(pure, elementwise);
     // The engine holds a double scalar unboxed; the boxing variant hands it over as an array.
     module.builtin("sum").def(&sumAlongFirst, pure, boxed<double>());
-    module.builtin("minmax").def(&extremes, pure);
+    module.builtin("minmax").def(&extremes, pure, throws);
     module.builtin("round")
         .def<&roundAway>(pure, elementwise, cppName("roundAway"))
         .def<&roundEven>(pure, elementwise, flag(1, "even"), cppName("roundEven"))
@@ -305,7 +296,7 @@ void declareSample(Module& module) {
         .def(&upperString, pure)
         .def(&upperChars<Row<char16_t>>, pure, relaxed)
         .def(&upperChars<Empty<char16_t>>, pure);
-    module.builtin("inv").def(&inverse, pure, noWarnings);
+    module.builtin("inv").def(&inverse, pure, throws);
     module.object<Counter>();
     module.builtin("counter").def(&makeCounter, pure);
     module.builtin("count").def(&countOf, pure);

@@ -308,7 +308,8 @@ private:
     template <class Fn, class... Option>
     void declareFunction(Fn fn, const Option&... options) {
         constexpr bool lifted = (std::is_same_v<Option, option::ElementWise> || ...);
-        constexpr bool reports = (std::is_same_v<Option, option::Warns> || ...);
+        constexpr bool reports = (std::is_same_v<Option, option::Warns> || ...) ||
+                                 (std::is_same_v<Option, option::Throws> || ...);
         using Declaration = detail::DeclarationOf<Fn, reports>;
         using Stored = typename Declaration::Stored;
         using D = detail::Declared<Stored>;
@@ -316,6 +317,11 @@ private:
         static_assert(std::is_void_v<Block> || lifted, "a block kernel needs elementwise");
         Options declared;
         (options.applyTo(declared), ...);
+        if constexpr (reports && Signature<Fn>::convention != JIT_CALLING_CONVENTION::CanThrow) {
+            // Behind its reporting function, a function reports what it was declared to.
+            declared.warns = declared.warns.value_or(false);
+            declared.errors = declared.errors.value_or(false);
+        }
         const Stored stored = Declaration::stored(fn);
         detail::FunctionRecord record{
             detail::developerFunctionOf(fn, stored),
@@ -344,7 +350,7 @@ private:
         if constexpr (detail::isTuple<typename D::Output>) {
             const std::vector<BuiltinVariant> made =
                 detail::addFunction(variants_, name_, std::move(record), declared);
-            severalOutputs().add(made, &detail::MultiOutputEntry<Stored, typename D::Output>::call);
+            severalOutputs().add(made, &detail::MultiOutputEntry<Fn, typename D::Output>::call);
         } else {
             detail::addFunction(variants_, name_, std::move(record), declared);
         }

@@ -57,10 +57,16 @@ struct NoErrors {
 struct Relaxed {
     void applyTo(Options& o) const { o.tolerance = types::SignatureTolerance::RELAXED; }
 };
-// A function that warns through warn() (ReportingScope.hpp): it is called inside a scope, and
-// what it throws is reported as the call's error. Without it, warn() throws std::logic_error.
+// A function that warns through warn() (ReportingScope.hpp), or that throws to fail: it is
+// called inside a scope that takes its warnings and reports what it throws as the call's error,
+// so that the engine too knows that it reports. Without warns, warn() throws std::logic_error;
+// without throws, an exception still becomes the call's error, but the engine is told that the
+// function never fails.
 struct Warns {
     void applyTo(Options& o) const { o.warns = true; }
+};
+struct Throws {
+    void applyTo(Options& o) const { o.errors = true; }
 };
 // The kernel of a scalar function that answers for arrays element by element: a function of
 // one to four numbers that returns a number. Its typed entry is the lifted one.
@@ -105,6 +111,7 @@ inline constexpr option::NoErrors noErrors;
 inline constexpr option::Relaxed relaxed;
 inline constexpr option::ElementWise elementwise;
 inline constexpr option::Warns warns;
+inline constexpr option::Throws throws;
 
 // The block kernel of an element-wise declaration: block<&expRun>() for a function, or
 // block([](const double* x, double* out, std::size_t n) { ... }) for a lambda or functor.

@@ -27,6 +27,7 @@
 
 #include <builtin/calling/ParameterConversion.hpp>
 #include <builtin/config.hpp>
+#include <builtin/declare/Callables.hpp>
 #include <builtin/declare/Parameters.hpp>
 #include <builtin/declare/Signature.hpp>
 #include <builtin/invoke/BuiltinFcn.hpp>
@@ -128,11 +129,13 @@ private:
 
 namespace detail {
 
-template <class Stored, class Output, class Inputs = typename Signature<Stored>::Inputs>
+// Fn: the function as declared, a pointer or a callable type, which this calls directly (a
+// pointer through the developer function of the variant).
+template <class Fn, class Output, class Inputs = typename Signature<Fn>::Inputs>
 struct MultiOutputEntry;
 
-template <class Stored, class Output, class... Inputs>
-struct MultiOutputEntry<Stored, Output, TypeList<Inputs...>> {
+template <class Fn, class Output, class... Inputs>
+struct MultiOutputEntry<Fn, Output, TypeList<Inputs...>> {
     static constexpr std::size_t count = std::tuple_size_v<Output>;
 
     static void call(OrroFunctionDescriptor* descriptor, const ParameterList& arguments, int nlhs,
@@ -146,10 +149,10 @@ private:
     template <std::size_t... I>
     static Output invoke(OrroFunctionDescriptor* descriptor, const ParameterList& arguments,
                          int nlhs, std::index_sequence<I...>) {
-        static_assert(Signature<Stored>::convention != JIT_CALLING_CONVENTION::CanThrow,
+        static_assert(Signature<Fn>::convention != JIT_CALLING_CONVENTION::CanThrow,
                       "several outputs come from a function that returns them; report with "
                       "warn() and by throwing");
-        const auto fn = reinterpret_cast<Stored>(descriptor->nativeEntry);
+        const auto fn = Callee<Fn>::of(descriptor);
         CallHolders holders;
         std::tuple<Inputs...> values{ParameterTraits<Inputs>::from(arguments[I], holders)...};
         if (nlhs > static_cast<int>(count)) {
@@ -157,8 +160,7 @@ private:
                                         " gives at most " + std::to_string(count) + " outputs");
         }
         (handOver<Inputs>(std::get<I>(values)), ...);
-        if constexpr (Signature<Stored>::convention ==
-                      JIT_CALLING_CONVENTION::DirectWithDescriptor) {
+        if constexpr (Signature<Fn>::convention == JIT_CALLING_CONVENTION::DirectWithDescriptor) {
             return fn(std::get<I>(values)..., descriptor);
         } else {
             return fn(std::get<I>(values)...);
