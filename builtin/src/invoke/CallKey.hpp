@@ -80,11 +80,10 @@ inline bool isStringOfStringClass(kaClassID stored, kaClassID classId) {
     return stringClassId && *stringClassId == classId;
 }
 
-// One step of the hash: a multiply that spreads each bit of the value over the high bits, folded
-// back so that the low bits, which choose the entry, see them too.
+// One step of the hash: a multiply by an odd constant, which carries every bit of the word into
+// the top bits of the product; the top bits choose the set of entries.
 inline std::uint64_t mixHash(std::uint64_t hash, std::uint64_t value) {
-    hash = (hash ^ value) * 0x9E3779B97F4A7C15u;
-    return hash ^ (hash >> 29);
+    return (hash ^ value) * 0x9E3779B97F4A7C15u;
 }
 
 // A dimension as the code keeps it: 0, 1 or more.

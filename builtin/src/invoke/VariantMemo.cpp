@@ -116,6 +116,7 @@ void VariantMemoTable::remember(const CallKey& key, std::size_t nrhs,
                                 const ClassificationCache& classified,
                                 const SearchOutcome& outcome) noexcept {
     constexpr auto relaxed = std::memory_order_relaxed;
+    constexpr auto release = std::memory_order_release;
     if (outcome.refusedByDimensions) {
         return;
     }
@@ -179,16 +180,15 @@ void VariantMemoTable::remember(const CallKey& key, std::size_t nrhs,
         !target->sequence.compare_exchange_strong(sequence, sequence + 1, relaxed)) {
         return;
     }
-    std::atomic_thread_fence(std::memory_order_release);
-    target->written.store(clock_.fetch_add(1, relaxed), relaxed);
-    target->header.store(key.header, relaxed);
+    target->written.store(clock_.fetch_add(1, relaxed), release);
+    target->header.store(key.header, release);
     std::uint64_t words[kTextUnits / 4] = {};
     std::size_t offset = 0;
     for (std::size_t i = 0; i < kMemoArguments; ++i) {
         const bool argument = i < nrhs;
-        target->codes[i].store(argument ? key.codes[i] : 0, relaxed);
+        target->codes[i].store(argument ? key.codes[i] : 0, release);
         const bool reached = argument && i < classified.size();
-        target->converters[i].store(reached ? classified[i].converter : nullptr, relaxed);
+        target->converters[i].store(reached ? classified[i].converter : nullptr, release);
         std::uint64_t extra = reached ? arguments[i].variantId : 0;
         if (argument && (key.codes[i] & callcode::flagText) != 0) {
             const FlagText& flag = key.flags[i];
@@ -198,15 +198,15 @@ void VariantMemoTable::remember(const CallKey& key, std::size_t nrhs,
                                      << (16 * (offset % 4));
             }
         }
-        target->extras[i].store(extra, relaxed);
+        target->extras[i].store(extra, release);
     }
     for (std::size_t w = 0; w < kTextUnits / 4; ++w) {
-        target->text[w].store(words[w], relaxed);
+        target->text[w].store(words[w], release);
     }
-    target->variant.store(outcome.variant, relaxed);
-    target->details.store(details, relaxed);
-    target->unboxed.store(unboxed, relaxed);
-    target->sequence.store(sequence + 2, std::memory_order_release);
+    target->variant.store(outcome.variant, release);
+    target->details.store(details, release);
+    target->unboxed.store(unboxed, release);
+    target->sequence.store(sequence + 2, release);
 }
 
 }  // namespace Norvane::builtin::detail

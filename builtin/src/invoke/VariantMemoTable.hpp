@@ -3,12 +3,14 @@
 // classifying anything: the converter of each argument, which inputs are flags, and whether the
 // variant was lifted over arrays whose shapes must agree again.
 //
-// 16 entries in 8 sets of 2, chosen by the key's hash. A new key replaces an empty entry of its
-// set, else the one written longer ago. Each entry is a sequence lock: a writer makes the
-// sequence odd, writes, and makes it even again; a reader copies what it needs and keeps the
+// 16 entries in 8 sets of 2, chosen by the top bits of the key's hash. A new key replaces an empty
+// entry of its set, else the one written longer ago. Each entry is a sequence lock: a writer makes
+// the sequence odd, writes, and makes it even again; a reader copies what it needs and keeps the
 // copy only if the sequence was even and unchanged around it. Readers take no lock, write
 // nothing and allocate nothing; a writer that finds the entry being written leaves it.
-// Every field is an atomic read and written relaxed, ordered by the sequence.
+// Every field is an atomic, written with release and read with acquire: a reader that sees
+// anything of a write sees the odd sequence that began it when it reads the sequence again.
+// (On x86 both are plain moves; and unlike fences, ThreadSanitizer follows them.)
 #pragma once
 
 #include <array>
@@ -44,7 +46,8 @@ struct MemoAnswer {
 
 class VariantMemoTable {
 public:
-    static constexpr std::size_t kSets = 8;
+    static constexpr int kSetBits = 3;
+    static constexpr std::size_t kSets = std::size_t{1} << kSetBits;
     static constexpr std::size_t kWays = 2;
     // Code units of flag text that one entry holds, over all its arguments.
     static constexpr std::size_t kTextUnits = 32;
@@ -87,7 +90,7 @@ private:
                            std::uint32_t& objects, std::uint64_t* extras);
     static bool sameObjects(std::uint32_t objects, const std::uint64_t* variantIds,
                             std::size_t nrhs, kaArray_tag* const* prhs) noexcept;
-    static std::size_t setOf(std::uint64_t hash) { return (hash & (kSets - 1)) * kWays; }
+    static std::size_t setOf(std::uint64_t hash) { return (hash >> (64 - kSetBits)) * kWays; }
     const Entry* set(std::uint64_t hash) const { return &entries_[setOf(hash)]; }
 
     std::array<Entry, kSets * kWays> entries_;
@@ -108,7 +111,7 @@ inline bool VariantMemoTable::sameText(const Entry& entry, std::uint64_t extra,
     }
     for (std::size_t u = 0; u < length; ++u) {
         const std::size_t at = offset + u;
-        const std::uint64_t word = entry.text[at / 4].load(std::memory_order_relaxed);
+        const std::uint64_t word = entry.text[at / 4].load(std::memory_order_acquire);
         if (static_cast<char16_t>(word >> (16 * (at % 4))) != flag.data[u]) {
             return false;
         }
@@ -125,36 +128,35 @@ template <class Count>
                                                                 MemoAnswer& answer,
                                                                 std::uint32_t& objects,
                                                                 std::uint64_t* extras) {
-    constexpr auto relaxed = std::memory_order_relaxed;
-    const std::uint32_t before = entry.sequence.load(std::memory_order_acquire);
-    if ((before & 1u) != 0 || entry.header.load(relaxed) != key.header) {
+    constexpr auto acquire = std::memory_order_acquire;
+    const std::uint32_t before = entry.sequence.load(acquire);
+    if ((before & 1u) != 0 || entry.header.load(acquire) != key.header) {
         return false;
     }
     for (std::size_t i = 0; i < nrhs; ++i) {
-        if (entry.codes[i].load(relaxed) != key.codes[i]) {
+        if (entry.codes[i].load(acquire) != key.codes[i]) {
             return false;
         }
     }
-    const std::uint32_t details = entry.details.load(relaxed);
-    answer.variant = entry.variant.load(relaxed);
+    const std::uint32_t details = entry.details.load(acquire);
+    answer.variant = entry.variant.load(acquire);
     answer.flagInputs = details & 0xFFu;
     answer.compareShapes = (details & kCompareShapes) != 0;
-    answer.unboxed = entry.unboxed.load(relaxed);
+    answer.unboxed = entry.unboxed.load(acquire);
     for (std::size_t i = 0; i < nrhs; ++i) {
-        answer.converters[i] = entry.converters[i].load(relaxed);
+        answer.converters[i] = entry.converters[i].load(acquire);
     }
     objects = (details >> kObjectShift) & 0xFFu;
     bool sameTexts = true;
     if ((objects != 0 || (details & kFlagTexts) != 0)) [[unlikely]] {
         for (std::size_t i = 0; i < nrhs; ++i) {
-            extras[i] = entry.extras[i].load(relaxed);
+            extras[i] = entry.extras[i].load(acquire);
             if ((key.codes[i] & callcode::flagText) != 0) {
                 sameTexts = sameTexts && sameText(entry, extras[i], key.flags[i]);
             }
         }
     }
-    std::atomic_thread_fence(std::memory_order_acquire);
-    return entry.sequence.load(relaxed) == before && sameTexts;
+    return entry.sequence.load(std::memory_order_relaxed) == before && sameTexts;
 }
 
 // The entries of the key's set are tried in turn. Engine objects among the arguments are asked
