@@ -196,8 +196,9 @@ void deliverResult(const Parameter& result, ResultGuard& guard, const BuiltinVar
 }
 
 // Steps 4 to 6 of the road.
-[[gnu::noinline]] void runVariant(const BuiltinVariant& variant, const ParameterList& arguments,
-                                  std::size_t nlhs, kaArray_tag** plhs) {
+[[gnu::always_inline]] inline void runVariant(const BuiltinVariant& variant,
+                                              const ParameterList& arguments, std::size_t nlhs,
+                                              kaArray_tag** plhs) {
     std::vector<std::u16string> warnings;
     std::exception_ptr pendingException;
     Environment environment(&warnings, &pendingException);
