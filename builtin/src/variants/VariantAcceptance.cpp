@@ -24,6 +24,18 @@ using Outcome = AcceptanceVerdict::Outcome;
 struct NoNotes {
     void refusedAt(std::size_t) {}
     void refusedAsArrayAt(std::size_t) {}
+    void comparedDimensions() {}
+    void shapesDisagree() {}
+    void liftedOverArrays() {}
+};
+
+// What a search that is remembered notes: whether the answer rested on live dimensions, which no
+// classified type describes.
+struct DimensionNotes {
+    bool& compared;
+    void refusedAt(std::size_t) {}
+    void refusedAsArrayAt(std::size_t) {}
+    void comparedDimensions() { compared = true; }
     void shapesDisagree() {}
     void liftedOverArrays() {}
 };
@@ -36,6 +48,7 @@ struct VerdictNotes {
         verdict.input = i;
     }
     void refusedAsArrayAt(std::size_t i) { verdict.arrayInput = i; }
+    void comparedDimensions() {}
     void shapesDisagree() { verdict.outcome = Outcome::SHAPES_DO_NOT_BROADCAST; }
     void liftedOverArrays() { verdict.outcome = Outcome::TAKES_ELEMENT_WISE; }
 };
@@ -48,18 +61,21 @@ bool dimensionsAgree(std::size_t d0, std::size_t d1) {
 
 // The arrays a lifted kernel would run over: the inputs that are passed on (flags drop out).
 // One array is always fine, empty or not; two must agree in their common leading dimensions,
-// and the kernel is never lifted over three.
-bool elementWiseShapesAgree(const BuiltinVariant& variant, const VariantSignature& signature) {
+// and the kernel is never lifted over three. Only the comparison of two arrays reads anything
+// that their types do not already say.
+template <class Notes>
+bool shapesAgree(const BuiltinVariant& variant, std::size_t nrhs, kaArray_tag* const* prhs,
+                 Notes& notes) {
     const kaArray_tag* arrays[2] = {nullptr, nullptr};
     std::size_t count = 0;
-    for (std::size_t i = 0; i < signature.nrhs; ++i) {
+    for (std::size_t i = 0; i < nrhs; ++i) {
         if (types::skipDuringInvoke(variant.inputArgTypes[i])) {
             continue;
         }
         if (count == 2) {
             return false;
         }
-        arrays[count++] = signature.prhs[i];
+        arrays[count++] = prhs[i];
     }
     if (count == 1) {
         return true;
@@ -67,6 +83,7 @@ bool elementWiseShapesAgree(const BuiltinVariant& variant, const VariantSignatur
     if (count == 0 || arrays[0] == nullptr || arrays[1] == nullptr) {
         return false;
     }
+    notes.comparedDimensions();
     const std::span<const std::size_t> dims0 = matrix::dimensions(arrays[0]);
     const std::span<const std::size_t> dims1 = matrix::dimensions(arrays[1]);
     const std::size_t common = std::min(dims0.size(), dims1.size());
@@ -89,7 +106,7 @@ bool acceptsAsElementWise(const BuiltinVariant& variant, const VariantSignature&
             return false;
         }
     }
-    if (!elementWiseShapesAgree(variant, signature)) {
+    if (!shapesAgree(variant, signature.nrhs, signature.prhs, notes)) {
         notes.shapesDisagree();
         return false;
     }
@@ -119,6 +136,18 @@ template <class Notes>
 bool detail::acceptsArguments(const BuiltinVariant& variant, const VariantSignature& signature) {
     NoNotes notes;
     return argumentsAccept(variant, signature, notes);
+}
+
+bool detail::acceptsArguments(const BuiltinVariant& variant, const VariantSignature& signature,
+                              bool& comparedDimensions) {
+    DimensionNotes notes{comparedDimensions};
+    return argumentsAccept(variant, signature, notes);
+}
+
+bool detail::elementWiseShapesAgree(const BuiltinVariant& variant, std::size_t nrhs,
+                                    kaArray_tag* const* prhs) {
+    NoNotes notes;
+    return shapesAgree(variant, nrhs, prhs, notes);
 }
 
 AcceptanceVerdict judgeCall(const BuiltinVariant& variant, const VariantSignature& signature) {

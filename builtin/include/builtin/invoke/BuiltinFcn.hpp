@@ -5,10 +5,13 @@
 // error, and hand back the result as an array. Calls that no variant takes go to the default
 // implementation, an array function.
 //
-// Modules derive from it. It is immutable after construction and read without locks.
+// Modules derive from it. It is immutable after construction and read without locks, but for
+// its memo of the variant that took each combination of argument types, which invoke reads
+// without locks and fills as calls come (see VariantMemo.hpp); a copy starts with an empty one.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -18,6 +21,7 @@
 
 #include <builtin/calling/OrroFunctionDescriptor.hpp>
 #include <builtin/config.hpp>
+#include <builtin/invoke/VariantMemo.hpp>
 #include <builtin/variants/BuiltinVariant.hpp>
 
 struct kaArray_tag;
@@ -59,7 +63,8 @@ public:
     using ArrayFunction = void (*)(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
                                    OrroFunctionDescriptor* descriptor);
 
-    // Copies every field; the variant arrays are shared, the default variant copied.
+    // Copies every field; the variant arrays are shared, the default variant copied, the memo
+    // not: the copy starts with an empty one.
     BuiltinFcn(const BuiltinFcn& other);
     BuiltinFcn& operator=(const BuiltinFcn&) = delete;
     virtual ~BuiltinFcn();
@@ -112,6 +117,10 @@ protected:
                Zfh_KELDOR_fn* decoratedFn);
 
 private:
+    // The list that invoke searches, and its place among the three (0 without the engine, 1
+    // after it, 2 after it with a complex scalar), by which the memo tells the lists apart.
+    VariantArray chooseList(VariantsToConsider variantsToConsider, int nrhs,
+                            kaArray_tag* const* prhs, std::uint64_t& place) const;
     void invokeDefaultImplementation(int nlhs, kaArray_tag** plhs, int nrhs,
                                      kaArray_tag** prhs) const;
     void logConstruction() const;
@@ -132,6 +141,8 @@ private:
     VariantArray searchedByInvokeAfterOrro_;
     VariantArray searchedByInvokeAfterOrroComplexScalar_;
     Zfh_KELDOR_fn* decoratedFn_ = nullptr;
+    // Added after the fields above, whose order derived classes rely on.
+    detail::VariantMemo memo_;
 };
 
 }  // namespace Norvane::builtin

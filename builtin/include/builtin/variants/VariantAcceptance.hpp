@@ -83,6 +83,17 @@ private:
 // Steps 2 and 3, for a variant whose counts fit the call: the yes-or-no form of judgeCall.
 BUILTIN_API bool acceptsArguments(const BuiltinVariant& variant, const VariantSignature& signature);
 
+// The same, for a search whose answer is remembered by the types of the arguments: sets
+// `comparedDimensions` when the answer rested on the live dimensions of two arrays (the shape
+// test of step 3), which a classified type does not describe. Left alone otherwise.
+BUILTIN_API bool acceptsArguments(const BuiltinVariant& variant, const VariantSignature& signature,
+                                  bool& comparedDimensions);
+
+// The shape test of step 3 alone, for an element-wise variant whose inputs have taken the
+// arguments as arrays: whether the arrays a lifted kernel would run over agree in shape.
+BUILTIN_API bool elementWiseShapesAgree(const BuiltinVariant& variant, std::size_t nrhs,
+                                        kaArray_tag* const* prhs);
+
 }  // namespace detail
 
 }  // namespace Norvane::builtin
