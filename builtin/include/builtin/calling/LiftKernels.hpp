@@ -89,27 +89,32 @@ struct PointerKernel {
         using enum JIT_CALLING_CONVENTION;
         OrroFunctionDescriptor* const descriptor = context->descriptor;
         const NativeEntry entry = descriptor->nativeEntry;
-        const std::array<std::size_t, sizeof...(A)> steps = stepsOf(varying);
         if (entry != nullptr && descriptor->callingConvention == Direct) {
             const auto fn = reinterpret_cast<orro::NativeFunction<Direct, R, A...>>(entry);
-            for (std::size_t i = 0; i < n; ++i) {
-                out[i] = callAt(fn, i, steps, std::index_sequence_for<A...>(), in...);
-            }
+            lift::withMask<N>(varying, [&]<unsigned M>() {
+                loop<M>([fn](A... a) { return fn(a...); }, out, n,
+                        std::index_sequence_for<A...>(), in...);
+            });
         } else if (entry != nullptr && descriptor->callingConvention == DirectWithDescriptor) {
             const auto fn =
                 reinterpret_cast<orro::NativeFunction<DirectWithDescriptor, R, A...>>(entry);
-            for (std::size_t i = 0; i < n; ++i) {
-                out[i] = callAt(fn, i, steps, std::index_sequence_for<A...>(), in..., descriptor);
-            }
+            lift::withMask<N>(varying, [&]<unsigned M>() {
+                loop<M>([fn, descriptor](A... a) { return fn(a..., descriptor); }, out, n,
+                        std::index_sequence_for<A...>(), in...);
+            });
         } else if (entry != nullptr && descriptor->callingConvention == CanThrow) {
             const auto fn = reinterpret_cast<orro::NativeFunction<CanThrow, R, A...>>(entry);
+            IOrroBuiltinEnvironment* const environment = context->environment;
             bool failed = false;
-            for (std::size_t i = 0; i < n; ++i) {
-                R r{};
-                failed |= callAt(fn, i, steps, std::index_sequence_for<A...>(), in..., &r,
-                                 context->environment, descriptor);
-                out[i] = r;
-            }
+            lift::withMask<N>(varying, [&]<unsigned M>() {
+                loop<M>(
+                    [&](A... a) {
+                        R r{};
+                        failed |= fn(a..., &r, environment, descriptor);
+                        return r;
+                    },
+                    out, n, std::index_sequence_for<A...>(), in...);
+            });
             if (failed) {
                 markFailed(context);
             }
@@ -119,19 +124,18 @@ struct PointerKernel {
     }
 
 private:
-    static std::array<std::size_t, sizeof...(A)> stepsOf(unsigned varying) {
-        std::array<std::size_t, sizeof...(A)> steps{};
-        for (std::size_t j = 0; j < steps.size(); ++j) {
-            steps[j] = (varying >> j) & 1u;
-        }
-        return steps;
-    }
+    static constexpr std::size_t N = sizeof...(A);
 
-    // fn of the inputs' elements at i, then the trailing arguments of the convention.
-    template <class Fn, std::size_t... I, class... Trailing>
-    static auto callAt(Fn fn, std::size_t i, const std::array<std::size_t, sizeof...(A)>& steps,
-                       std::index_sequence<I...>, const A*... in, Trailing... trailing) {
-        return fn(in[i * steps[I]]..., trailing...);
+    // One way of running, the call indirect for each element. A function of its own, so that
+    // everything the loop keeps across the call fits in the registers that the call preserves;
+    // inlined into the loop body it would be reloaded from the stack for every element. An input
+    // that stays is read from its place for each element, an L1 hit, for the same reason.
+    template <unsigned M, class Call, std::size_t... I>
+    [[gnu::noinline]] static void loop(Call call, R* out, std::size_t n, std::index_sequence<I...>,
+                                       const A*... in) {
+        for (std::size_t i = 0; i < n; ++i) {
+            out[i] = call(in[lift::runs<M, I> ? i : 0]...);
+        }
     }
 
     // Three or more unboxed inputs, or characters: no wrapper of the family takes them; called
