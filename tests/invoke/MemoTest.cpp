@@ -5,6 +5,8 @@
 // lone caller sees.
 #include <gtest/gtest.h>
 
+#include <ModuleHost.hpp>
+
 #include <boost/variant/apply_visitor.hpp>
 #include <boost/variant/get.hpp>
 
@@ -238,10 +240,7 @@ std::size_t twinOf(std::size_t i) {
 
 class Memo : public testsupport::LiveArrayTest {
 protected:
-    static void SetUpTestSuite() {
-        unsetenv("KELDOR_INSTALL_ROOT");
-        foundation::cppmicroservices::createFramework();
-    }
+    static void SetUpTestSuite() { testsupport::startFramework(); }
     void SetUp() override {
         LiveArrayTest::SetUp();
         for (const auto& make : argumentMakers()) pool_.push_back(make());

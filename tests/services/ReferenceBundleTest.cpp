@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ModuleHost.hpp>
+
 #include <cstdlib>
 #include <stdexcept>
 
@@ -19,10 +21,7 @@ namespace {
 
 class ReferenceBundle : public testsupport::LiveArrayTest {
 protected:
-    static void SetUpTestSuite() {
-        unsetenv("KELDOR_INSTALL_ROOT");
-        foundation::cppmicroservices::createFramework();
-    }
+    static void SetUpTestSuite() { testsupport::startFramework(); }
     void SetUp() override {
         LiveArrayTest::SetUp();
         ASSERT_NE(getHeldService<StringSupport>(), nullptr);

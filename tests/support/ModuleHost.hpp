@@ -12,9 +12,14 @@
 
 namespace testsupport {
 
-inline std::unique_ptr<Norvane::builtin::declare::ModuleDirectory> startModules() {
+// The service framework of this build, with its reference bundles.
+inline void startFramework() {
     unsetenv("KELDOR_INSTALL_ROOT");
     foundation::cppmicroservices::createFramework();
+}
+
+inline std::unique_ptr<Norvane::builtin::declare::ModuleDirectory> startModules() {
+    startFramework();
     namespace declare = Norvane::builtin::declare;
     return std::make_unique<declare::ModuleDirectory>(
         declare::ModuleDirectory::start({declare::builtinServicesFolder()}));
