@@ -92,8 +92,8 @@ struct PointerKernel {
         if (entry != nullptr && descriptor->callingConvention == Direct) {
             const auto fn = reinterpret_cast<orro::NativeFunction<Direct, R, A...>>(entry);
             lift::withMask<N>(varying, [&]<unsigned M>() {
-                loop<M>([fn](A... a) { return fn(a...); }, out, n,
-                        std::index_sequence_for<A...>(), in...);
+                loop<M>([fn](A... a) { return fn(a...); }, out, n, std::index_sequence_for<A...>(),
+                        in...);
             });
         } else if (entry != nullptr && descriptor->callingConvention == DirectWithDescriptor) {
             const auto fn =
