@@ -44,17 +44,15 @@ namespace Norvane::builtin {
 
 namespace {
 
-// The interpreter's reporting environment for one call. The last exception recorded wins.
+// The interpreter's reporting environment for one call, holding what was reported. The last
+// exception recorded wins.
 struct Environment final : public IOrroBuiltinEnvironment, private IOrroBuiltinAccessors {
-    std::vector<std::u16string>* warnings;
-    std::exception_ptr* pendingException;
-
-    Environment(std::vector<std::u16string>* warningList, std::exception_ptr* exception)
-        : warnings(warningList), pendingException(exception) {}
+    std::vector<std::u16string> warnings;
+    std::exception_ptr pendingException;
 
     IOrroBuiltinAccessors* GetOrroBuiltinAccessors() override { return this; }
-    void AddWarningMessage(const std::u16string& message) override { warnings->push_back(message); }
-    void SetInternalPendingException() override { *pendingException = std::current_exception(); }
+    void AddWarningMessage(const std::u16string& message) override { warnings.push_back(message); }
+    void SetInternalPendingException() override { pendingException = std::current_exception(); }
 };
 
 bool holdsArray(const Parameter& parameter) {
@@ -168,7 +166,8 @@ void deliverReports(const std::vector<std::u16string>& warnings,
 
 // The result as an array. A double, the commonest, goes straight to its conversion; every other
 // alternative through parameterToKaArray, which does the same for a double.
-kaArray_tag* boxResult(const Parameter& result, const BuiltinVariant& variant) {
+[[gnu::always_inline]] inline kaArray_tag* boxResult(const Parameter& result,
+                                                     const BuiltinVariant& variant) {
     if (const double* const value = boost::get<double>(&result)) {
         kaArray_tag* out = nullptr;
         builtinreg::detail::parameterConversionImpl(&out, *value);
@@ -177,8 +176,9 @@ kaArray_tag* boxResult(const Parameter& result, const BuiltinVariant& variant) {
     return parameterToKaArray(result, variant);
 }
 
-void deliverResult(const Parameter& result, ResultGuard& guard, const BuiltinVariant& variant,
-                   std::size_t nlhs, kaArray_tag** plhs) {
+[[gnu::always_inline]] inline void deliverResult(const Parameter& result, ResultGuard& guard,
+                                                 const BuiltinVariant& variant, std::size_t nlhs,
+                                                 kaArray_tag** plhs) {
     if (nlhs == 1) {
         plhs[0] = boxResult(result, variant);
         guard.handedOn();
@@ -199,14 +199,12 @@ void deliverResult(const Parameter& result, ResultGuard& guard, const BuiltinVar
 [[gnu::always_inline]] inline void runVariant(const BuiltinVariant& variant,
                                               const ParameterList& arguments, std::size_t nlhs,
                                               kaArray_tag** plhs) {
-    std::vector<std::u16string> warnings;
-    std::exception_ptr pendingException;
-    Environment environment(&warnings, &pendingException);
+    Environment environment;
     bool pending = false;
     const Parameter result = callTypedEntry(variant, environment, pending, arguments);
     ResultGuard guard(result);
-    if (pending) {
-        deliverReports(warnings, pendingException);
+    if (pending) [[unlikely]] {
+        deliverReports(environment.warnings, environment.pendingException);
     }
     deliverResult(result, guard, variant, nlhs, plhs);
 }
