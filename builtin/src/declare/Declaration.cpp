@@ -85,9 +85,8 @@ void addBoxingVariants(std::vector<BuiltinVariant>& variants,
     variants.insert(variants.end(), added.begin(), added.end());
 }
 
-std::vector<BuiltinVariant> addFunction(std::vector<BuiltinVariant>& variants,
-                                        const std::string& name, FunctionRecord&& record,
-                                        const Options& options) {
+void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
+                 FunctionRecord&& record, const Options& options) {
     if (!record.mistake.empty()) {
         throw std::invalid_argument("builtin " + name + ": " + record.mistake);
     }
@@ -105,9 +104,10 @@ std::vector<BuiltinVariant> addFunction(std::vector<BuiltinVariant>& variants,
     builtinreg::detail::appendNewVariants(fresh, prototype, flags,
                                           std::move(record.signatures.inputs));
     addBoxingVariants(fresh, record.boxing);
-    variants =
-        builtinreg::detail::appendVariants(std::move(variants), std::vector<BuiltinVariant>(fresh));
-    return fresh;
+    if (record.severalOutputs != nullptr) {
+        record.severalOutputs->add(fresh, record.severalOutputsEntry);
+    }
+    variants = builtinreg::detail::appendVariants(std::move(variants), std::move(fresh));
 }
 
 VariantDeclaration declarationOf(const std::string& name, const Options& options, bool canReport) {

@@ -43,14 +43,6 @@ private:
     std::exception_ptr error_;
 };
 
-void releaseArrays(const ParameterList& arguments) noexcept {
-    for (const Parameter& argument : arguments) {
-        if (kaArray_tag* const* array = boost::get<kaArray_tag*>(&argument)) {
-            matrix::releaseReference(*array);
-        }
-    }
-}
-
 // The native entry of the default variant; its developer function is the MultiOutputs.
 void serveOutputs(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_tag** prhs,
                   OrroFunctionDescriptor* descriptor) {
@@ -100,17 +92,7 @@ bool MultiOutputs::callSeveral(int nlhs, kaArray_tag** plhs, int nrhs, kaArray_t
             continue;
         }
         ParameterList arguments;
-        try {
-            for (std::size_t i = 0; i < signature.nrhs; ++i) {
-                const ArgType& declared = candidate.variant.inputArgTypes[i];
-                if (!types::skipDuringInvoke(declared)) {
-                    arguments.push_back(signature.toParameter(i, &declared));
-                }
-            }
-        } catch (...) {
-            releaseArrays(arguments);
-            throw;
-        }
+        signature.collectParameters(candidate.variant, arguments);
         auto* const descriptor =
             const_cast<OrroFunctionDescriptor*>(&candidate.variant.functionDescriptor);
         CollectedReports reports;

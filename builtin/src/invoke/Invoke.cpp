@@ -118,27 +118,6 @@ detail::SearchOutcome findVariant(const VariantArray& list, const VariantSignatu
     return outcome;
 }
 
-// The Parameters of the chosen variant: argument i, if it is passed on, as convert(i). A flag
-// input has done its work in matching and is not passed on. If a conversion throws, the
-// references taken so far are given back.
-template <class PassedOn, class Convert>
-void collectArguments(std::size_t nrhs, PassedOn passedOn, Convert convert,
-                      ParameterList& arguments) {
-    if (nrhs > arguments.capacity()) {
-        arguments.reserve(nrhs);
-    }
-    try {
-        for (std::size_t i = 0; i < nrhs; ++i) {
-            if (passedOn(i)) {
-                arguments.push_back(convert(i));
-            }
-        }
-    } catch (...) {
-        std::for_each(arguments.begin(), arguments.end(), releaseIfArray);
-        throw;
-    }
-}
-
 // Calls the typed entry of the variant. A wrapper that finds an argument in another alternative
 // than its native function takes throws boost::bad_get before it calls anything, so the
 // references that the arguments carry were never handed on; they are given back here.
@@ -229,11 +208,7 @@ void deliverReports(const std::vector<std::u16string>& warnings,
     }
     const BuiltinVariant& variant = *outcome.variant;
     ParameterList arguments;
-    collectArguments(
-        nrhs,
-        [&variant](std::size_t i) { return !types::skipDuringInvoke(variant.inputArgTypes[i]); },
-        [&](std::size_t i) { return signature.toParameter(i, &variant.inputArgTypes[i]); },
-        arguments);
+    signature.collectParameters(variant, arguments);
     runVariant(variant, arguments, nlhs, plhs);
     return true;
 }

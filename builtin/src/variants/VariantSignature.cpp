@@ -6,11 +6,15 @@
 // not cached (a cache element without a converter counts as fresh) and is asked afresh.
 #include <builtin/variants/VariantSignature.hpp>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
+#include <boost/variant/get.hpp>
+
 #include <builtin/services/BuiltinServices.hpp>
 #include <builtin/types/StringClassId.hpp>
+#include <builtin/variants/BuiltinVariant.hpp>
 #include <ka/ka.hpp>
 
 #include "../types/ShapeTable.hpp"
@@ -110,6 +114,28 @@ const ArgumentClassification& VariantSignature::classify(std::size_t i) const {
 
 ArgType VariantSignature::getArgType(std::size_t i) const {
     return argType(i);
+}
+
+void VariantSignature::collectParameters(const BuiltinVariant& variant,
+                                         ParameterList& arguments) const {
+    if (nrhs > arguments.capacity()) {
+        arguments.reserve(nrhs);
+    }
+    try {
+        for (std::size_t i = 0; i < nrhs; ++i) {
+            const ArgType& declared = variant.inputArgTypes[i];
+            if (!types::skipDuringInvoke(declared)) {
+                arguments.push_back(toParameter(i, &declared));
+            }
+        }
+    } catch (...) {
+        for (const Parameter& argument : arguments) {
+            if (kaArray_tag* const* array = boost::get<kaArray_tag*>(&argument)) {
+                matrix::releaseReference(*array);
+            }
+        }
+        throw;
+    }
 }
 
 }  // namespace Norvane::builtin

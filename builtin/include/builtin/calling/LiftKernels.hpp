@@ -25,6 +25,7 @@
 #include <builtin/calling/InlineCWrappers.hpp>
 #include <builtin/calling/LiftArrays.hpp>
 #include <builtin/calling/LiftSharing.hpp>
+#include <builtin/calling/NativeCall.hpp>
 #include <builtin/calling/ReportingScope.hpp>
 
 namespace Norvane::builtin::builtinreg::detail {
@@ -139,34 +140,17 @@ private:
     }
 
     // Three or more unboxed inputs, or characters: no wrapper of the family takes them; called
-    // as a wrapper would call them.
+    // as a wrapper calls them.
     template <std::size_t... I>
     static Parameter scalarOf(OrroFunctionDescriptor* descriptor,
                               IOrroBuiltinEnvironment* environment, bool& pending,
                               const ParameterList& arguments, std::index_sequence<I...>) {
-        using enum JIT_CALLING_CONVENTION;
-        pending = false;
-        const NativeEntry entry = descriptor->nativeEntry;
-        switch (entry == nullptr ? CanThrowOrroInternal : descriptor->callingConvention) {
-            case Direct:
-                return Parameter(reinterpret_cast<orro::NativeFunction<Direct, R, A...>>(entry)(
-                    unboxed<A>(arguments[I])...));
-            case DirectWithDescriptor:
-                return Parameter(
-                    reinterpret_cast<orro::NativeFunction<DirectWithDescriptor, R, A...>>(entry)(
-                        unboxed<A>(arguments[I])..., descriptor));
-            case CanThrow: {
-                R out{};
-                pending = reinterpret_cast<orro::NativeFunction<CanThrow, R, A...>>(entry)(
-                    unboxed<A>(arguments[I])..., &out, environment, descriptor);
-                return Parameter(out);
-            }
-            default:
-                if (entry != nullptr) {
-                    terminateUnexpectedCallingConvention(descriptor->callingConvention);
-                }
-                return Parameter();
+        const NativeCall call = prepareNativeCall(descriptor, pending);
+        if (call.entry == nullptr) {
+            return Parameter();
         }
+        return callNative<R, A...>(descriptor, environment, pending, call,
+                                   unboxed<A>(arguments[I])...);
     }
 };
 

@@ -75,6 +75,25 @@ InputView viewInput(const Parameter& argument, const ka::ArrayPtr& array, A& val
     return {matrix::dimensions(array.get()), matrix::data(array.get())};
 }
 
+// Where the kernels of a call report: the ParallelEnvironment itself, or a DistinctWarnings in
+// front of it, made only for the kernels that want one.
+template <bool Distinct>
+struct ReportsTo {
+    explicit ReportsTo(ParallelEnvironment* parallel) : parallel_(parallel) {}
+    IOrroBuiltinEnvironment* environment() { return parallel_; }
+
+private:
+    ParallelEnvironment* parallel_;
+};
+template <>
+struct ReportsTo<true> {
+    explicit ReportsTo(ParallelEnvironment* parallel) : distinct_(parallel) {}
+    IOrroBuiltinEnvironment* environment() { return &distinct_; }
+
+private:
+    DistinctWarnings distinct_;
+};
+
 template <class Kernel, class R, class... A>
 struct Entry {
     static constexpr std::size_t N = sizeof...(A);
@@ -139,11 +158,9 @@ struct Entry {
         bool failed = false;
         ParallelEnvironment parallel(environment, &pending);
         pending = false;
-        DistinctWarnings distinct(&parallel);
-        IOrroBuiltinEnvironment* const reportTo =
-            Kernel::distinctWarnings ? static_cast<IOrroBuiltinEnvironment*>(&distinct)
-                                     : static_cast<IOrroBuiltinEnvironment*>(&parallel);
-        const LoopContext context{serialLimitOf(descriptor), reportTo, descriptor, &failed};
+        ReportsTo<Kernel::distinctWarnings> reports(&parallel);
+        const LoopContext context{serialLimitOf(descriptor), reports.environment(), descriptor,
+                                  &failed};
         if (plan.outCount != 0) {
             const Body body{&context,
                             &plan,

@@ -57,6 +57,10 @@ struct FunctionRecord {
     builtinreg::ArgTypes signatures;
     std::vector<BoxingRecord> boxing;
     std::string mistake;  // what makes the declaration impossible, if anything
+    // A function of several outputs: the entry of calls that ask for more than one, and the
+    // builtin's table of such functions, which its variants join.
+    MultiEntry severalOutputsEntry = nullptr;
+    MultiOutputs* severalOutputs = nullptr;
 };
 
 template <class Fn, class... B>
@@ -253,12 +257,11 @@ struct Declarable<Fn, TypeList<Inputs...>> {
     }
 };
 
-// Adds the variants of one native function to those of the builtin `name`, and returns them.
-// Throws std::invalid_argument for a declaration that the function's form cannot keep.
-BUILTIN_API std::vector<BuiltinVariant> addFunction(std::vector<BuiltinVariant>& variants,
-                                                    const std::string& name,
-                                                    FunctionRecord&& record,
-                                                    const Options& options);
+// Adds the variants of one native function to those of the builtin `name` (and to its table of
+// functions of several outputs, for such a function). Throws std::invalid_argument for a
+// declaration that the function's form cannot keep.
+BUILTIN_API void addFunction(std::vector<BuiltinVariant>& variants, const std::string& name,
+                             FunctionRecord&& record, const Options& options);
 
 // The default variant of an array function, wrapped in the guards of its declarations.
 BUILTIN_API BuiltinVariant defaultVariantOf(BuiltinFcn::ArrayFunction function,
@@ -348,12 +351,10 @@ private:
         }
         (addBoxingIf<Stored>(record.boxing, options), ...);
         if constexpr (detail::isTuple<typename D::Output>) {
-            const std::vector<BuiltinVariant> made =
-                detail::addFunction(variants_, name_, std::move(record), declared);
-            severalOutputs().add(made, &detail::MultiOutputEntry<Fn, typename D::Output>::call);
-        } else {
-            detail::addFunction(variants_, name_, std::move(record), declared);
+            record.severalOutputsEntry = &detail::MultiOutputEntry<Fn, typename D::Output>::call;
+            record.severalOutputs = &severalOutputs();
         }
+        detail::addFunction(variants_, name_, std::move(record), declared);
     }
 
     MultiOutputs& severalOutputs();

@@ -20,6 +20,7 @@ struct kaArray_tag;
 
 namespace Norvane::builtin {
 
+struct BuiltinVariant;
 using types::ArgType;
 
 // What one argument is, and how to hand it to a variant. A null converter marks an element that
@@ -67,6 +68,11 @@ struct BUILTIN_API VariantSignature {
         return converter != nullptr ? converter(prhs[i], declared)
                                     : types::passThroughConverter(prhs[i], declared);
     }
+
+    // The Parameters for `variant`, which takes the call, appended to `arguments`: each argument
+    // through its converter, flag inputs left out (they have done their work in matching). If a
+    // conversion throws, the references taken so far are given back.
+    void collectParameters(const BuiltinVariant& variant, ParameterList& arguments) const;
 
 private:
     // Classifies argument i and keeps the result if it has a converter.
